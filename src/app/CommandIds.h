@@ -1,0 +1,100 @@
+#pragma once
+
+// Command ids. Menus, toolbars and shortcuts are QActions that carry these ids; the
+// main frame offers each command to the active child frame first, then handles it
+// itself (see CChildFrame::OnCmdMsg).
+namespace Cmd {
+
+enum Id : int {
+    // File
+    FileNew = 57600,
+    FileOpen = 57601,
+    FileClose = 57602,
+    FileSave = 57603,
+    FileSaveAs = 57604,
+    FileSaveAll = 32806,
+    FileOpenAsHex = 32790,
+    FileNewFromTemplate = 32774,
+    FilePrint = 57607,
+    FilePrintDirect = 57608,
+    FilePrintPreview = 57609,
+    FileMruFirst = 57616, // four entries
+    AppExit = 57665,
+    AppAbout = 57664,
+
+    // Edit
+    EditUndo = 57643,
+    EditRedo = 57644,
+    EditCut = 57635,
+    EditCopy = 57634,
+    EditPaste = 57637,
+    EditClear = 57632,
+    EditSelectAll = 57642,
+    EditFind = 57636,
+    EditReplace = 57641,
+    EditFindNext = 149,
+    EditFindPrevious = 32841,
+    EditGoto = 161,
+    EditCutAppend = 32851,
+    EditCopyAppend = 32852,
+    EditSelectWord = 32843,
+    EditSelectLine = 32844,
+    EditInsertDate = 32849,
+    EditInsertTime = 32850,
+    EditInsertFileName = 32799,
+    EditUpperCase = 32846,
+    EditLowerCase = 32847,
+    EditIndentRight = 32821,
+    EditIndentLeft = 32822,
+    EditComment = 32825,
+    EditUncomment = 32826,
+    EditSwapLines = 32792,
+    EditCutLine = 32794,
+    EditCopyLine = 32781,
+    EditDeleteWord = 32786,
+    EditDeleteToEol = 7001,
+    EditDeleteLine = 32785,
+    EditTabsToSpaces = 9005,
+    EditSpacesToTabs = 9006,
+    EditTrimTrailing = 9007,
+    BookmarkToggle = 5007,
+    BookmarkNext = 5009,
+    BookmarkPrevious = 5010,
+    BookmarkClear = 5011,
+    CreateTemplateFromSelection = 32780,
+    CopyFilePath = 28000,
+    OpenContainingFolder = 28001,
+
+    // View
+    ViewWordWrap = 31001,
+    ViewWhitespace = 31000,
+    ViewLineEndings = 31002,
+    ViewCaretLine = 32787,
+    ViewLineNumbers = 213,
+    ViewCodeFolding = 32788,
+    ViewBlockSelect = 9008,
+    ViewMatchBracket = 32789,
+    ViewFont = 32820,
+    ViewAsFirst = 25102,
+    ViewAsLast = 25127,
+    ViewAsMore = 25128,
+    ViewOutputBar = 59590,
+    ViewExplorerBar = 59587,
+    NavigateBack = 9001,
+    NavigateForward = 9002,
+    FindInFiles = 9000,
+
+    // Window and tabs
+    TabsLeft = 32801,
+    TabsTop = 32803,
+    TabsRight = 32802,
+    TabsBottom = 32804,
+    TabsToggle = 32805,
+    CloseAllButSelected = 28002,
+    CheckForUpdates = 250,
+    HelpTopics = 32827,
+    HelpContents = 32828,
+    DocumentHistory = 7500,
+};
+
+} // namespace Cmd

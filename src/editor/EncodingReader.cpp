@@ -1,0 +1,140 @@
+#include "EncodingReader.h"
+
+#include "TextEncoding.h"
+
+namespace {
+
+void AppendUtf8(std::string& out, char32_t cp)
+{
+    if (cp < 0x80) {
+        out += char(cp);
+    } else if (cp < 0x800) {
+        out += char(0xC0 | (cp >> 6));
+        out += char(0x80 | (cp & 0x3F));
+    } else if (cp < 0x10000) {
+        // Lone surrogates take this form too, so that they survive a round trip.
+        out += char(0xE0 | (cp >> 12));
+        out += char(0x80 | ((cp >> 6) & 0x3F));
+        out += char(0x80 | (cp & 0x3F));
+    } else {
+        out += char(0xF0 | (cp >> 18));
+        out += char(0x80 | ((cp >> 12) & 0x3F));
+        out += char(0x80 | ((cp >> 6) & 0x3F));
+        out += char(0x80 | (cp & 0x3F));
+    }
+}
+
+} // namespace
+
+EncodingReader::EncodingReader(int encoding, int bomLength)
+    : m_skip(bomLength > 0 ? std::size_t(bomLength) : 0)
+{
+    switch (encoding) {
+    case TextEncoding::Utf16LE: m_form = Form::Utf16LE; break;
+    case TextEncoding::Utf32LE: m_form = Form::Utf32LE; break;
+    case TextEncoding::Utf32BE: m_form = Form::Utf32BE; break;
+    case TextEncoding::Utf16BE:
+    case TextEncoding::Scsu:
+    case TextEncoding::Bocu1:
+    case TextEncoding::Utf7:
+    case TextEncoding::UtfEbcdic:
+        // Forms we don't decode are read as big-endian 16-bit units behind their mark.
+        m_form = Form::Utf16BE;
+        break;
+    case TextEncoding::Ansi:
+        m_form = Form::Bytes;
+        m_skip = 0; // "Ansi" keeps every byte
+        break;
+    default:
+        m_form = Form::Bytes;
+        break;
+    }
+}
+
+void EncodingReader::Emit(char32_t cp)
+{
+    AppendUtf8(m_out, cp);
+}
+
+void EncodingReader::EmitUnit16(char16_t unit)
+{
+    if (m_highSurrogate) {
+        if (unit >= 0xDC00 && unit <= 0xDFFF) {
+            Emit(0x10000 + ((char32_t(m_highSurrogate) - 0xD800) << 10) + (unit - 0xDC00));
+            m_highSurrogate = 0;
+            return;
+        }
+        Emit(m_highSurrogate);
+        m_highSurrogate = 0;
+    }
+    if (unit >= 0xD800 && unit <= 0xDBFF) {
+        m_highSurrogate = unit;
+        return;
+    }
+    Emit(unit);
+}
+
+std::string_view EncodingReader::Feed(const char* data, std::size_t length)
+{
+    if (m_skip) {
+        const std::size_t skip = m_skip < length ? m_skip : length;
+        data += skip;
+        length -= skip;
+        m_skip -= skip;
+    }
+    if (m_form == Form::Bytes)
+        return std::string_view(data, length);
+
+    m_out.clear();
+    m_out.reserve(length + length / 2 + 8);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(data);
+    const std::size_t unitSize = (m_form == Form::Utf16LE || m_form == Form::Utf16BE) ? 2 : 4;
+    std::size_t i = 0;
+
+    auto decode = [this](const unsigned char* u) {
+        switch (m_form) {
+        case Form::Utf16LE: EmitUnit16(char16_t(u[0] | (u[1] << 8))); break;
+        case Form::Utf16BE: EmitUnit16(char16_t((u[0] << 8) | u[1])); break;
+        case Form::Utf32LE:
+        case Form::Utf32BE: {
+            const char32_t cp = m_form == Form::Utf32LE
+                ? char32_t(u[0]) | char32_t(u[1]) << 8 | char32_t(u[2]) << 16 | char32_t(u[3]) << 24
+                : char32_t(u[3]) | char32_t(u[2]) << 8 | char32_t(u[1]) << 16 | char32_t(u[0]) << 24;
+            if (cp > 0x10FFFF) {
+                m_lost += 4;
+                Emit(0xFFFD);
+            } else {
+                Emit(cp);
+            }
+            break;
+        }
+        case Form::Bytes: break;
+        }
+    };
+
+    // Finish a unit begun in the last piece.
+    while (m_carryLength > 0 && i < length) {
+        m_carry[m_carryLength++] = bytes[i++];
+        if (m_carryLength == unitSize) {
+            decode(m_carry);
+            m_carryLength = 0;
+        }
+    }
+    for (; i + unitSize <= length; i += unitSize)
+        decode(bytes + i);
+    for (; i < length; ++i)
+        m_carry[m_carryLength++] = bytes[i];
+    return m_out;
+}
+
+std::string_view EncodingReader::Finish()
+{
+    m_out.clear();
+    if (m_highSurrogate) {
+        Emit(m_highSurrogate);
+        m_highSurrogate = 0;
+    }
+    m_lost += m_carryLength;
+    m_carryLength = 0;
+    return m_out;
+}

@@ -1,0 +1,158 @@
+#include "EncodingWriter.h"
+
+#include "TextEncoding.h"
+
+EncodingWriter::EncodingWriter(int encoding, bool writeMark)
+{
+    switch (encoding) {
+    case TextEncoding::Utf8: m_form = Form::Bytes; break;
+    case TextEncoding::Utf16LE: m_form = Form::Utf16LE; break;
+    case TextEncoding::Utf16BE: m_form = Form::Utf16BE; break;
+    case TextEncoding::Utf32LE: m_form = Form::Utf32LE; break;
+    case TextEncoding::Utf32BE: m_form = Form::Utf32BE; break;
+    default:
+        // "Ansi", a document never saved with an encoding, and forms we don't write:
+        // the bytes as they are.
+        m_form = Form::Bytes;
+        writeMark = false;
+        break;
+    }
+    if (writeMark) {
+        const QByteArray mark = TextEncoding::Mark(encoding);
+        m_mark.assign(mark.constData(), std::size_t(mark.size()));
+    }
+}
+
+void EncodingWriter::PutUnit16(char16_t unit)
+{
+    if (m_form == Form::Utf16LE) {
+        m_out += char(unit & 0xFF);
+        m_out += char(unit >> 8);
+    } else {
+        m_out += char(unit >> 8);
+        m_out += char(unit & 0xFF);
+    }
+}
+
+void EncodingWriter::Put(char32_t cp)
+{
+    switch (m_form) {
+    case Form::Utf16LE:
+    case Form::Utf16BE:
+        if (cp >= 0x10000) {
+            cp -= 0x10000;
+            PutUnit16(char16_t(0xD800 + (cp >> 10)));
+            PutUnit16(char16_t(0xDC00 + (cp & 0x3FF)));
+        } else {
+            PutUnit16(char16_t(cp));
+        }
+        break;
+    case Form::Utf32LE:
+        for (int shift = 0; shift < 32; shift += 8)
+            m_out += char((cp >> shift) & 0xFF);
+        break;
+    case Form::Utf32BE:
+        for (int shift = 24; shift >= 0; shift -= 8)
+            m_out += char((cp >> shift) & 0xFF);
+        break;
+    case Form::Bytes:
+        break;
+    }
+}
+
+// Decodes one character at `s`; returns how many bytes it took, or 0 when the
+// sequence is cut off by the end of the piece and more may follow.
+std::size_t EncodingWriter::DecodeOne(const unsigned char* s, std::size_t available, bool atEnd)
+{
+    const unsigned char lead = s[0];
+    std::size_t need = 1;
+    char32_t cp = lead;
+    if (lead >= 0xF0 && lead <= 0xF4) { need = 4; cp = lead & 0x07; }
+    else if (lead >= 0xE0 && lead <= 0xEF) { need = 3; cp = lead & 0x0F; }
+    else if (lead >= 0xC2 && lead <= 0xDF) { need = 2; cp = lead & 0x1F; }
+
+    if (need > 1) {
+        std::size_t have = 1;
+        while (have < need && have < available && (s[have] & 0xC0) == 0x80)
+            ++have;
+        if (have < need && have == available && !atEnd)
+            return 0;
+        if (have == need) {
+            for (std::size_t k = 1; k < need; ++k)
+                cp = (cp << 6) | (s[k] & 0x3F);
+            Put(cp);
+            return need;
+        }
+    }
+    // A byte that starts no complete sequence (text that isn't UTF-8) is a unit by itself.
+    Put(lead);
+    return 1;
+}
+
+std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
+{
+    m_out.clear();
+    if (!m_mark.empty()) {
+        m_out = m_mark;
+        m_mark.clear();
+    }
+    if (m_form == Form::Bytes) {
+        if (m_out.empty())
+            return std::string_view(data, length);
+        m_out.append(data, length);
+        return m_out;
+    }
+
+    m_out.reserve(m_out.size() + (m_form == Form::Utf32LE || m_form == Form::Utf32BE ? 4 : 2) * (length + m_carry.size()));
+    std::size_t i = 0;
+    if (!m_carry.empty()) {
+        // Finish the sequence begun at the end of the last piece: no sequence is longer
+        // than four bytes, so four more bytes always settle it.
+        const std::size_t carried = m_carry.size();
+        const std::size_t taken = length < 4 ? length : 4;
+        std::string head = m_carry;
+        head.append(data, taken);
+        m_carry.clear();
+        const auto* h = reinterpret_cast<const unsigned char*>(head.data());
+        std::size_t pos = 0;
+        while (pos < carried) {
+            const std::size_t used = DecodeOne(h + pos, head.size() - pos, false);
+            if (used == 0) {
+                m_carry = head.substr(pos);
+                return m_out;
+            }
+            pos += used;
+        }
+        i = pos - carried;
+    }
+    const auto* bytes = reinterpret_cast<const unsigned char*>(data);
+    while (i < length) {
+        if (bytes[i] < 0x80) {
+            Put(bytes[i++]);
+            continue;
+        }
+        const std::size_t used = DecodeOne(bytes + i, length - i, false);
+        if (used == 0) {
+            m_carry.assign(data + i, length - i);
+            break;
+        }
+        i += used;
+    }
+    return m_out;
+}
+
+std::string_view EncodingWriter::Finish()
+{
+    m_out.clear();
+    if (!m_mark.empty()) {
+        m_out = m_mark;
+        m_mark.clear();
+    }
+    const std::string rest = std::move(m_carry);
+    m_carry.clear();
+    std::size_t i = 0;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(rest.data());
+    while (i < rest.size())
+        i += DecodeOne(bytes + i, rest.size() - i, true);
+    return m_out;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// Turns the control's text, given in pieces of any size, into the bytes of a file in
+// one encoding, mark first when asked. A UTF-8 sequence split between pieces is
+// carried over to the next one.
+class EncodingWriter
+{
+public:
+    EncodingWriter(int encoding, bool writeMark);
+
+    // The bytes for the next piece; valid until the next call.
+    std::string_view Encode(const char* data, std::size_t length);
+    // Bytes of a sequence left open at the end of the text; call once.
+    std::string_view Finish();
+
+private:
+    enum class Form { Bytes, Utf16LE, Utf16BE, Utf32LE, Utf32BE };
+    void Put(char32_t cp);
+    void PutUnit16(char16_t unit);
+    std::size_t DecodeOne(const unsigned char* s, std::size_t available, bool atEnd);
+
+    Form m_form;
+    std::string m_mark;
+    std::string m_out;
+    std::string m_carry;
+};

@@ -1,0 +1,125 @@
+#include "TextFile.h"
+
+#include <QFileInfo>
+
+TextFile::TextFile() = default;
+
+TextFile::~TextFile()
+{
+    Close();
+}
+
+bool TextFile::OpenRead(const QString& path)
+{
+    Close();
+    m_read.setFileName(path);
+    if (QFileInfo(path).isDir()) {
+        m_error = QObject::tr("Is a directory");
+        return false;
+    }
+    if (!m_read.open(QIODevice::ReadOnly)) {
+        m_error = m_read.errorString();
+        return false;
+    }
+    return true;
+}
+
+qint64 TextFile::ReadChunk(char* buffer, qint64 maximum)
+{
+    if (!m_read.isOpen())
+        return 0;
+    const qint64 position = m_read.pos();
+    const qint64 n = m_read.read(buffer, maximum);
+    if (n <= 0) {
+        if (n < 0)
+            m_error = m_read.errorString();
+        return 0;
+    }
+    // Cut at the last blank or line end, never at index 0, so that every read moves on.
+    // At the end of the file the whole rest is taken: nothing can follow it.
+    if (n == maximum) {
+        for (qint64 i = n - 1; i >= 1; --i) {
+            const char c = buffer[i];
+            if (c == ' ' || c == '\r' || c == '\n') {
+                buffer[i] = 0;
+                m_read.seek(position + i);
+                return i;
+            }
+        }
+    }
+    buffer[n] = 0;
+    return n;
+}
+
+bool TextFile::IsReadOnly() const
+{
+    const QFileInfo info(m_read.fileName());
+    return info.exists() && !info.isWritable();
+}
+
+qint64 TextFile::Size() const
+{
+    return m_read.isOpen() ? m_read.size() : QFileInfo(m_read.fileName()).size();
+}
+
+QString TextFile::ErrorString() const
+{
+    return m_error;
+}
+
+bool TextFile::OpenWrite(const QString& path)
+{
+    Close();
+    m_write = std::make_unique<QSaveFile>(path);
+    // Where the folder refuses a new file, write the file in place rather than fail.
+    m_write->setDirectWriteFallback(true);
+    m_writeFailed = false;
+    if (!m_write->open(QIODevice::WriteOnly)) {
+        m_error = m_write->errorString();
+        m_write.reset();
+        return false;
+    }
+    return true;
+}
+
+bool TextFile::Write(const char* data, qint64 length)
+{
+    if (!m_write || m_writeFailed)
+        return false;
+    qint64 done = 0;
+    while (done < length) {
+        const qint64 n = m_write->write(data + done, length - done);
+        if (n <= 0) {
+            m_writeFailed = true;
+            m_error = m_write->errorString();
+            m_write->cancelWriting();
+            return false;
+        }
+        done += n;
+    }
+    return true;
+}
+
+bool TextFile::Commit()
+{
+    if (!m_write)
+        return false;
+    bool ok = !m_writeFailed;
+    if (ok) {
+        ok = m_write->commit();
+        if (!ok)
+            m_error = m_write->errorString();
+    }
+    m_write.reset();
+    return ok;
+}
+
+void TextFile::Close()
+{
+    if (m_read.isOpen())
+        m_read.close();
+    if (m_write) {
+        m_write->cancelWriting();
+        m_write.reset();
+    }
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QFile>
+#include <QSaveFile>
+#include <QString>
+#include <memory>
+
+// Reads a file in pieces cut after a blank or a line end, and writes one safely: the
+// new content goes to a file beside the old one and replaces it only when complete.
+class TextFile
+{
+public:
+    static constexpr qint64 ChunkSize = 256000;
+
+    TextFile();
+    ~TextFile();
+    TextFile(const TextFile&) = delete;
+    TextFile& operator=(const TextFile&) = delete;
+
+    bool OpenRead(const QString& path);
+    // Reads up to `maximum` bytes into `buffer`, which holds `maximum` + 1 bytes. The
+    // piece ends before the last blank, CR or LF found at index 1 or later, and the next
+    // read starts at that byte, so a piece never ends inside a line's multi-byte
+    // character. A zero is stored behind the piece. Returns the piece's length, or 0 at
+    // the end of the file or on an error.
+    qint64 ReadChunk(char* buffer, qint64 maximum);
+    bool IsReadOnly() const;
+    qint64 Size() const;
+    QString ErrorString() const;
+
+    bool OpenWrite(const QString& path);
+    bool Write(const char* data, qint64 length);
+    // Completes the write: the new file takes the old one's place. False when anything
+    // went wrong, and then the old file is as it was.
+    bool Commit();
+    void Close();
+
+private:
+    QFile m_read;
+    std::unique_ptr<QSaveFile> m_write;
+    bool m_writeFailed = false;
+    QString m_error;
+};
