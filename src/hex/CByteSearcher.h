@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+#include <array>
+
+// Finds one byte string in a block of memory, forward or backward, optionally ignoring
+// the case of ASCII letters. Exact forward search uses the C library's memmem, which is
+// as fast as anything we could write; the other three ways use Horspool's skip tables.
+class CByteSearcher
+{
+public:
+    CByteSearcher(const QByteArray& pattern, bool matchCase);
+
+    qint64 Length() const { return m_pattern.size(); }
+    bool IsEmpty() const { return m_pattern.isEmpty(); }
+
+    // Index of the first (last) occurrence lying wholly in [data, data + length), or -1.
+    qint64 FindFirst(const uchar* data, qint64 length) const;
+    qint64 FindLast(const uchar* data, qint64 length) const;
+
+private:
+    bool MatchesAt(const uchar* at) const;
+
+    QByteArray m_pattern; // folded to lower case when case is ignored
+    bool m_matchCase;
+    std::array<uchar, 256> m_fold{};
+    std::array<qint64, 256> m_forwardSkip{};
+    std::array<qint64, 256> m_backwardSkip{};
+};
