@@ -1,0 +1,39 @@
+#pragma once
+
+#include "FindInFilesTypes.h"
+#include "TextMatcher.h"
+
+#include <QByteArray>
+#include <QList>
+#include <atomic>
+#include <string>
+
+// Searches one file the way the editor would read it: the encoding is detected from the
+// first bytes, "Ansi" and UTF-8 are searched as they lie, the 16- and 32-bit forms are
+// decoded to UTF-8 first. Binary files are left alone. Files are read in large pieces cut
+// at line ends, so a file of any size takes bounded memory unless one line is huge.
+// One per thread.
+class FileSearcher
+{
+public:
+    enum class Outcome { Searched, Binary, Unreadable, Stopped, LimitReached };
+
+    FileSearcher(const SearchQuery& query, int tabWidth);
+
+    // `path` is in the file system's own encoding (QFile::encodeName). Matches are added
+    // to `out`, at most `limit` of them. `stop` is looked at between pieces.
+    Outcome Search(const QByteArray& path, QList<FindInFilesMatch>& out,
+                   const std::atomic<bool>& stop, qint64 limit);
+
+    // The text shown for a match's line: without its line end, and for a very long line a
+    // stretch around the match between ellipses.
+    static QString LineExcerpt(const char* line, std::size_t length, std::size_t matchOffset);
+
+    static constexpr std::size_t PieceSize = 4 * 1024 * 1024;
+
+private:
+    TextMatcher m_matcher;
+    int m_tabWidth;
+    std::string m_raw;
+    std::string m_text;
+};

@@ -1,0 +1,354 @@
+#include "TextMatcher.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+enum class CharClass { Word, Space, Punctuation };
+
+inline CharClass ClassOf(unsigned char c)
+{
+    // Bytes of non-ASCII characters count as word characters, as in the editor.
+    if (c >= 0x80 || c == '_' || (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z'))
+        return CharClass::Word;
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f' || c == '\v')
+        return CharClass::Space;
+    return CharClass::Punctuation;
+}
+
+const char* FindLineStart(const char* begin, const char* at)
+{
+    while (at > begin && at[-1] != '\n')
+        --at;
+    return at;
+}
+
+std::size_t CountLines(const char* begin, const char* end)
+{
+    // The plain loop vectorises; memchr per line would not pay on short lines.
+    std::size_t count = 0;
+    for (const char* p = begin; p < end; ++p)
+        count += *p == '\n';
+    return count;
+}
+
+// Maps UTF-16 offsets of a text made from bytes back to byte offsets, walking forward
+// from the last answer. Also counts the lines it passes, for whole blocks.
+class OffsetWalker
+{
+public:
+    OffsetWalker(const char* bytes, std::size_t length, bool latin1)
+        : m_bytes(bytes), m_length(length), m_latin1(latin1) {}
+
+    std::size_t ToByte(qsizetype unit)
+    {
+        if (unit < m_unit)
+            Reset();
+        while (m_unit < unit && m_byte < m_length) {
+            const auto c = static_cast<unsigned char>(m_bytes[m_byte]);
+            std::size_t width = 1;
+            if (!m_latin1)
+                width = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
+            if (c == '\n') {
+                ++m_newlines;
+                m_lineStart = m_byte + 1;
+            }
+            m_byte += width;
+            m_unit += width == 4 ? 2 : 1;
+        }
+        return std::min(m_byte, m_length);
+    }
+    std::size_t Newlines() const { return m_newlines; }
+    std::size_t LineStart() const { return m_lineStart; }
+
+private:
+    void Reset() { m_unit = 0; m_byte = 0; m_newlines = 0; m_lineStart = 0; }
+
+    const char* m_bytes;
+    std::size_t m_length;
+    bool m_latin1;
+    qsizetype m_unit = 0;
+    std::size_t m_byte = 0;
+    std::size_t m_newlines = 0;
+    std::size_t m_lineStart = 0;
+};
+
+// The bytes of `units` UTF-16 units of text made from the bytes at `from`.
+std::size_t ByteSpan(const char* bytes, std::size_t length, std::size_t from, qsizetype units,
+                     bool latin1)
+{
+    if (latin1)
+        return std::min(std::size_t(units), length - from);
+    std::size_t b = from;
+    while (units > 0 && b < length) {
+        const auto c = static_cast<unsigned char>(bytes[b]);
+        const std::size_t width = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
+        b += width;
+        units -= width == 4 ? 2 : 1;
+    }
+    return std::min(b, length) - from;
+}
+
+QString TextOf(const char* data, std::size_t length, bool& latin1)
+{
+    latin1 = !TextMatcher::IsValidUtf8(data, length);
+    return latin1 ? QString::fromLatin1(data, qsizetype(length))
+                  : QString::fromUtf8(data, qsizetype(length));
+}
+
+} // namespace
+
+TextMatcher::TextMatcher(const SearchQuery& query)
+    : m_query(query)
+{
+    if (query.UsesExpression()) {
+        // A copy of its own per thread, so that no compiled code is shared.
+        m_expression = QRegularExpression(query.Pattern(), query.PatternOptions());
+        m_expression.optimize();
+        if (!query.RequiredLiteral().empty())
+            m_searcher = ByteSearcher(query.RequiredLiteral(), query.RequiredCaseSensitive());
+    } else {
+        m_searcher = ByteSearcher(query.Literal(), query.LiteralCaseSensitive());
+    }
+}
+
+bool TextMatcher::Search(std::string_view block, qint64 firstLine, const Sink& sink)
+{
+    if (!m_query.IsValid())
+        return true;
+    if (!m_query.UsesExpression())
+        return SearchLiteral(block, firstLine, sink);
+    if (!m_searcher.IsEmpty())
+        return SearchCandidateLines(block, firstLine, sink);
+    return SearchWholeBlock(block, firstLine, sink);
+}
+
+bool TextMatcher::SearchLiteral(std::string_view block, qint64 firstLine, const Sink& sink)
+{
+    const char* data = block.data();
+    const std::size_t size = block.size();
+    const std::size_t length = m_searcher.Length();
+    std::size_t from = 0;
+    std::size_t counted = 0; // lines are counted up to here
+    qint64 line = firstLine;
+    for (;;) {
+        const std::size_t at = m_searcher.Find(data, size, from);
+        if (at == ByteSearcher::npos)
+            return true;
+        const std::size_t lineStart = std::size_t(FindLineStart(data + counted, data + at) - data);
+        line += qint64(CountLines(data + counted, data + lineStart));
+        counted = lineStart;
+        const auto* eol = static_cast<const char*>(std::memchr(data + at, '\n', size - at));
+        const std::size_t lineEnd = eol ? std::size_t(eol - data) : size;
+        if (m_query.MatchWord()
+            && !IsWholeWord(block.substr(lineStart, lineEnd - lineStart), at - lineStart,
+                            at - lineStart + length)) {
+            from = at + 1;
+            continue;
+        }
+        if (!sink(LineHit{lineStart, lineEnd, at, length, line}))
+            return false;
+        from = at + length;
+    }
+}
+
+bool TextMatcher::SearchCandidateLines(std::string_view block, qint64 firstLine, const Sink& sink)
+{
+    const char* data = block.data();
+    const std::size_t size = block.size();
+    std::size_t from = 0;
+    std::size_t counted = 0;
+    qint64 line = firstLine;
+    while (from < size) {
+        const std::size_t at = m_searcher.Find(data, size, from);
+        if (at == ByteSearcher::npos)
+            return true;
+        const std::size_t lineStart = std::size_t(FindLineStart(data + counted, data + at) - data);
+        line += qint64(CountLines(data + counted, data + lineStart));
+        counted = lineStart;
+        const auto* eol = static_cast<const char*>(std::memchr(data + at, '\n', size - at));
+        const std::size_t lineEnd = eol ? std::size_t(eol - data) : size;
+        if (!MatchLine(block, lineStart, lineEnd, 0, line, sink))
+            return false;
+        from = lineEnd + 1;
+    }
+    return true;
+}
+
+bool TextMatcher::MatchLine(std::string_view block, std::size_t lineStart, std::size_t lineEnd,
+                            std::size_t fromByte, qint64 line, const Sink& sink)
+{
+    std::size_t textEnd = lineEnd;
+    if (textEnd > lineStart && block[textEnd - 1] == '\r')
+        --textEnd;
+    const char* bytes = block.data() + lineStart;
+    const std::size_t length = textEnd - lineStart;
+    bool latin1 = false;
+    m_lineText = TextOf(bytes, length, latin1);
+    const std::string_view lineView(bytes, length);
+
+    // The starting byte as a UTF-16 offset.
+    qsizetype from = 0;
+    if (fromByte > 0) {
+        if (latin1) {
+            from = qsizetype(fromByte);
+        } else {
+            for (std::size_t b = 0; b < fromByte && b < length; ++b) {
+                const auto c = static_cast<unsigned char>(bytes[b]);
+                if ((c & 0xC0) != 0x80)
+                    from += c >= 0xF0 ? 2 : 1;
+            }
+        }
+    }
+
+    OffsetWalker walker(bytes, length, latin1);
+    bool emptyReported = false;
+    while (from <= m_lineText.size()) {
+        const QRegularExpressionMatch match = m_expression.match(m_lineText, from);
+        if (!match.hasMatch())
+            break;
+        const qsizetype start = match.capturedStart();
+        const qsizetype end = match.capturedEnd();
+        qsizetype next = end > start ? end : start + 1;
+        if (end == start && next < m_lineText.size() && m_lineText[start].isHighSurrogate())
+            ++next;
+        const std::size_t byteStart = walker.ToByte(start);
+        const std::size_t byteEnd = byteStart + ByteSpan(bytes, length, byteStart, end - start, latin1);
+        bool report = true;
+        if (start == end) {
+            report = !emptyReported;
+            emptyReported = true;
+        }
+        if (report && m_query.MatchWord() && !IsWholeWord(lineView, byteStart, byteEnd)) {
+            report = false;
+            next = start + 1;
+        }
+        if (report
+            && !sink(LineHit{lineStart, lineEnd, lineStart + byteStart, byteEnd - byteStart, line}))
+            return false;
+        from = next;
+    }
+    return true;
+}
+
+bool TextMatcher::SearchWholeBlock(std::string_view block, qint64 firstLine, const Sink& sink)
+{
+    const char* data = block.data();
+    const std::size_t size = block.size();
+    bool latin1 = false;
+    const QString text = TextOf(data, size, latin1);
+    OffsetWalker walker(data, size, latin1);
+    qint64 emptyReportedLine = 0;
+    qsizetype from = 0;
+    while (from <= text.size()) {
+        const QRegularExpressionMatch match = m_expression.match(text, from);
+        if (!match.hasMatch())
+            return true;
+        const qsizetype start = match.capturedStart();
+        const qsizetype end = match.capturedEnd();
+        const std::size_t byteStart = walker.ToByte(start);
+        const qint64 line = firstLine + qint64(walker.Newlines());
+        const std::size_t lineStart = walker.LineStart();
+        const auto* eol = static_cast<const char*>(std::memchr(data + byteStart, '\n', size - byteStart));
+        const std::size_t lineEnd = eol ? std::size_t(eol - data) : size;
+        const qsizetype lineEndUnit = text.indexOf(QLatin1Char('\n'), start);
+
+        if (lineEndUnit >= 0 && lineEndUnit < end) {
+            // The match ran over a line end: match that line on its own instead.
+            if (!MatchLine(block, lineStart, lineEnd, byteStart - lineStart, line, sink))
+                return false;
+            from = lineEndUnit + 1;
+            continue;
+        }
+        const std::size_t byteEnd = byteStart + ByteSpan(data, size, byteStart, end - start, latin1);
+        qsizetype next = end > start ? end : start + 1;
+        bool report = true;
+        if (start == end) {
+            if (start < text.size() && text[start].isHighSurrogate())
+                ++next;
+            report = emptyReportedLine != line;
+            emptyReportedLine = line;
+        }
+        if (report && m_query.MatchWord()) {
+            std::size_t textEnd = lineEnd;
+            if (textEnd > lineStart && data[textEnd - 1] == '\r')
+                --textEnd;
+            if (!IsWholeWord(block.substr(lineStart, textEnd - lineStart), byteStart - lineStart,
+                             byteEnd - lineStart)) {
+                report = false;
+                next = start + 1;
+            }
+        }
+        if (report && !sink(LineHit{lineStart, lineEnd, byteStart, byteEnd - byteStart, line}))
+            return false;
+        from = next;
+    }
+    return true;
+}
+
+int TextMatcher::EditorColumn(const char* line, std::size_t offset, bool heldAsUtf8, int tabWidth)
+{
+    if (tabWidth < 1)
+        tabWidth = 1;
+    int column = 0;
+    for (std::size_t i = 0; i < offset; ++i) {
+        const auto c = static_cast<unsigned char>(line[i]);
+        if (c == '\t')
+            column = (column / tabWidth + 1) * tabWidth;
+        else if (!heldAsUtf8 || (c & 0xC0) != 0x80)
+            ++column;
+    }
+    return column;
+}
+
+bool TextMatcher::IsWholeWord(std::string_view line, std::size_t start, std::size_t end)
+{
+    auto boundary = [&line](std::size_t at) {
+        if (at == 0 || at >= line.size())
+            return true;
+        return ClassOf(static_cast<unsigned char>(line[at - 1]))
+            != ClassOf(static_cast<unsigned char>(line[at]));
+    };
+    return boundary(start) && boundary(end);
+}
+
+bool TextMatcher::IsValidUtf8(const char* data, std::size_t length)
+{
+    const auto* s = reinterpret_cast<const unsigned char*>(data);
+    std::size_t i = 0;
+    while (i < length) {
+        // Runs of ASCII, eight bytes at a time.
+        while (i + 8 <= length) {
+            std::uint64_t word;
+            std::memcpy(&word, s + i, 8);
+            if (word & 0x8080808080808080ULL)
+                break;
+            i += 8;
+        }
+        if (i >= length)
+            break;
+        const unsigned char c = s[i];
+        if (c < 0x80) {
+            ++i;
+            continue;
+        }
+        std::size_t n;
+        if (c >= 0xC2 && c <= 0xDF) n = 2;
+        else if (c >= 0xE0 && c <= 0xEF) n = 3;
+        else if (c >= 0xF0 && c <= 0xF4) n = 4;
+        else return false;
+        if (i + n > length)
+            return false;
+        for (std::size_t k = 1; k < n; ++k) {
+            if ((s[i + k] & 0xC0) != 0x80)
+                return false;
+        }
+        if (c == 0xE0 && s[i + 1] < 0xA0) return false;
+        if (c == 0xED && s[i + 1] > 0x9F) return false; // surrogates
+        if (c == 0xF0 && s[i + 1] < 0x90) return false;
+        if (c == 0xF4 && s[i + 1] > 0x8F) return false;
+        i += n;
+    }
+    return true;
+}
