@@ -1,1 +1,23 @@
 #pragma once
+
+#include <QWidget>
+
+class QTableWidget;
+class CPieceTable;
+
+// The values the bytes under the caret stand for: signed and unsigned integers of 8 to
+// 64 bits and floating-point numbers, little- and big-endian side by side.
+class CHexInspectorPanel : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit CHexInspectorPanel(QWidget* parent = nullptr);
+
+    // Shows the bytes from `offset` on (at most eight are read).
+    void ShowAt(const CPieceTable& bytes, qint64 offset);
+    // The shown text of a row ("UInt16") in one byte order, for tests.
+    QString ValueText(const QString& type, bool littleEndian) const;
+
+private:
+    QTableWidget* m_table;
+};
