@@ -3,7 +3,7 @@
 #include <QMdiSubWindow>
 #include <QPointer>
 
-class CDocument;
+#include "CDocument.h"
 
 // The state a command shows in menus and toolbars, filled by its update handler.
 struct CCmdUI

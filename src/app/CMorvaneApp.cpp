@@ -1,1 +1,266 @@
-// placeholder
+#include "CMorvaneApp.h"
+
+#include "AppPaths.h"
+#include "CDocTemplate.h"
+#include "CDocument.h"
+#include "CMainFrame.h"
+#include "CRegistryStore.h"
+#include "FileHandOff.h"
+#include "editor/CFileDialogEx.h"
+#include "editor/CScrivelDoc.h"
+#include "editor/CScrivelFrame.h"
+#include "editor/TextFileDetector.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+CMorvaneApp::CMorvaneApp(int& argc, char** argv)
+    : QApplication(argc, argv)
+{
+    setOrganizationName(QStringLiteral("Brackwyn"));
+    setApplicationName(QStringLiteral("Morvane"));
+    setApplicationDisplayName(QStringLiteral("Morvane"));
+    setApplicationVersion(QStringLiteral(MORVANE_VERSION));
+}
+
+CMorvaneApp::~CMorvaneApp()
+{
+    delete m_pMainFrame;
+}
+
+CMorvaneApp* CMorvaneApp::Instance()
+{
+    return qobject_cast<CMorvaneApp*>(QCoreApplication::instance());
+}
+
+CMainFrame* CMorvaneApp::MainFrame()
+{
+    CMorvaneApp* app = Instance();
+    return app ? app->m_pMainFrame.data() : nullptr;
+}
+
+void CMorvaneApp::WriteInstallPath()
+{
+    // Other programs find us here; a store that refuses the write is no reason to stop.
+    CRegistryStore(CRegistryStore::LocalMachine)
+        .WriteProfileString(QString(), QStringLiteral("MorvanePath"),
+                            QDir::toNativeSeparators(applicationFilePath()));
+}
+
+void CMorvaneApp::WatchDocuments(CDocTemplate* docTemplate)
+{
+    docTemplate->SetOpenOptions(&m_openOptions);
+    connect(docTemplate, &CDocTemplate::documentOpened, this, [this](CDocument* document) {
+        if (!document->GetPathName().isEmpty())
+            AddToRecentFiles(document->GetPathName());
+        connect(document, &CDocument::pathNameChanged, this,
+                [this](const QString& path, bool addToRecent) {
+                    if (addToRecent)
+                        AddToRecentFiles(path);
+                });
+    });
+}
+
+bool CMorvaneApp::InitInstance(const QStringList& files)
+{
+    m_recentFiles.Load();
+    WriteInstallPath();
+
+    // Syntax definitions and templates start from what we ship.
+    const QString configPath = CRegistryStore().GetProfileString(QStringLiteral("Settings"),
+                                                                 QStringLiteral("ConfigPath"));
+    if (configPath.isEmpty())
+        AppPaths::FillFromShipped(AppPaths::DefaultSyntaxFolder(), QStringLiteral("syntax"));
+    const QString templates = CRegistryStore().GetProfileString(QStringLiteral("TemplateSettings"),
+                                                                QStringLiteral("Directory"));
+    if (templates.isEmpty())
+        AppPaths::FillFromShipped(AppPaths::DefaultTemplatesFolder(), QStringLiteral("templates"));
+
+    m_pTextTemplate = new CDocTemplate(
+        tr("Untitled"), [] { return new CScrivelDoc(); },
+        [](CDocument* document) { return new CScrivelFrame(static_cast<CScrivelDoc*>(document)); },
+        this);
+    WatchDocuments(m_pTextTemplate);
+
+    m_pMainFrame = new CMainFrame(this);
+    if (!m_pMainFrame->Create())
+        return false;
+    m_pTextTemplate->SetMdiArea(m_pMainFrame->MdiArea());
+    m_pTextTemplate->SetProgressSink(m_pMainFrame);
+    if (m_pHexTemplate) {
+        m_pHexTemplate->SetMdiArea(m_pMainFrame->MdiArea());
+        m_pHexTemplate->SetProgressSink(m_pMainFrame);
+    }
+
+    m_handOff = new FileHandOff(this);
+    connect(m_handOff, &FileHandOff::filesPending, this, &CMorvaneApp::CheckPendingFiles);
+    m_handOff->Listen();
+
+    bool opened = false;
+    for (const QString& file : files) {
+        if (!QFileInfo::exists(file)) {
+            // A name that isn't there yet is a new file to be written on the first save.
+            if (CDocument* document = NewDocument()) {
+                document->SetPathName(QFileInfo(file).absoluteFilePath(), false);
+                opened = true;
+            }
+            continue;
+        }
+        if (OpenDocumentFile(file) || m_pMainFrame->ActivateOpenDocument(file))
+            opened = true;
+    }
+    if (HasPendingFiles()) {
+        OpenPendingFiles();
+        opened = opened || !m_pMainFrame->MdiArea()->subWindowList().isEmpty();
+    }
+    if (!opened && m_pMainFrame->MdiArea()->subWindowList().isEmpty())
+        NewDocument();
+
+    m_pMainFrame->ShowMainWindow();
+    return true;
+}
+
+void CMorvaneApp::ExitInstance()
+{
+    m_recentFiles.Save();
+}
+
+CDocument* CMorvaneApp::NewDocument()
+{
+    return m_pTextTemplate ? m_pTextTemplate->OpenDocumentFile(QString()) : nullptr;
+}
+
+CDocument* CMorvaneApp::OpenDocumentFile(const QString& path)
+{
+    m_openOptions = OpenOptions::defaults();
+    return RouteOpenFile(path);
+}
+
+CDocument* CMorvaneApp::RouteOpenFile(const QString& path)
+{
+    if (m_openOptions.mode == OpenOptions::Compare)
+        return nullptr; // the compare view arrives with its own work
+    if (path.isEmpty())
+        return NewDocument();
+    if (m_pMainFrame && m_pMainFrame->ActivateOpenDocument(path))
+        return nullptr;
+
+    TextFileDetector probe;
+    if (probe.Examine(path) && m_openOptions.encoding == 4) {
+        m_openOptions.encoding = probe.Encoding();
+        m_openOptions.bomLength = probe.BomLength();
+    }
+    if (m_openOptions.mode == OpenOptions::Detect)
+        m_openOptions.mode = probe.IsBinary() ? OpenOptions::Hex : OpenOptions::Text;
+    m_lastRouteMode = m_openOptions.mode;
+
+    const QString full = QFileInfo(path).absoluteFilePath();
+    if (m_openOptions.mode == OpenOptions::Hex) {
+        if (m_pHexTemplate)
+            return m_pHexTemplate->OpenDocumentFile(full);
+        // Without a hex view the bytes are shown as text and can't be changed.
+        m_openOptions.readOnly = true;
+        m_openOptions.encoding = 3;
+        m_openOptions.bomLength = 0;
+    }
+    return m_pTextTemplate ? m_pTextTemplate->OpenDocumentFile(full) : nullptr;
+}
+
+CDocument* CMorvaneApp::OpenAsHex(const QString& path)
+{
+    m_openOptions.mode = OpenOptions::Hex;
+    return RouteOpenFile(path);
+}
+
+CDocument* CMorvaneApp::OpenDetected(const QString& path)
+{
+    m_openOptions = OpenOptions::defaults();
+    const QFileInfo info(path);
+    m_openOptions.readOnly = info.exists() && !info.isWritable();
+    CDocument* document = RouteOpenFile(path);
+    return document;
+}
+
+bool CMorvaneApp::HasPendingFiles() const
+{
+    return FileHandOff::HasPending();
+}
+
+void CMorvaneApp::OpenPendingFiles()
+{
+    const QStringList paths = FileHandOff::PendingPaths();
+    // The list goes first, so that a file that fails to open isn't offered again.
+    FileHandOff::ClearPending();
+    for (const QString& path : paths) {
+        m_openOptions = OpenOptions::defaults();
+        RouteOpenFile(path);
+    }
+}
+
+void CMorvaneApp::CheckPendingFiles()
+{
+    if (HasPendingFiles())
+        OpenPendingFiles();
+}
+
+void CMorvaneApp::AddToRecentFiles(const QString& path)
+{
+    m_recentFiles.Add(path);
+    m_recentFiles.Save();
+    Q_EMIT recentFilesChanged();
+}
+
+void CMorvaneApp::OnFileNew()
+{
+    NewDocument();
+}
+
+void CMorvaneApp::OnFileOpen()
+{
+    CFileDialogEx dialog(true, QString(), m_pMainFrame);
+    if (dialog.DoModal() != QDialog::Accepted)
+        return;
+    OpenOptions options;
+    options.encoding = dialog.GetEncoding();
+    options.bomLength = options.encoding == 0 ? 3 : (options.encoding == 1 || options.encoding == 2) ? 2 : 0;
+    options.mode = dialog.GetViewAs();
+    options.readOnly = dialog.GetReadOnly();
+    const QStringList paths = dialog.GetPathNames();
+    for (const QString& path : paths) {
+        m_openOptions = options;
+        RouteOpenFile(path);
+    }
+}
+
+void CMorvaneApp::OnFileOpenAsHex()
+{
+    QFileDialog dialog(m_pMainFrame, tr("Open as Hex"));
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    dialog.setNameFilter(tr("All Files (*)"));
+    dialog.setOption(QFileDialog::DontUseNativeDialog, true);
+    dialog.setOption(QFileDialog::ReadOnly, false);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const QStringList paths = dialog.selectedFiles();
+    for (const QString& path : paths) {
+        m_openOptions.mode = OpenOptions::Hex;
+        RouteOpenFile(path);
+    }
+}
+
+void CMorvaneApp::OnFileSaveAll()
+{
+    // Text documents only: hex and compare documents are saved on their own.
+    if (m_pTextTemplate)
+        m_pTextTemplate->SaveAllModified();
+}
+
+void CMorvaneApp::OnAppAbout()
+{
+    QMessageBox::about(m_pMainFrame, tr("About Morvane"),
+                       tr("<h3>Morvane %1</h3><p>A programmer's text editor.</p>"
+                          "<p>Qt %2, QScintilla.</p>")
+                           .arg(applicationVersion(), QString::fromLatin1(qVersion())));
+}

@@ -1,1 +1,42 @@
-// placeholder
+#include "NavigationHistory.h"
+
+void NavigationHistory::Add(const void* view, long position)
+{
+    const Entry entry{view, position};
+    if (m_entries.contains(entry)) {
+        m_cursor = int(m_entries.indexOf(entry));
+        return;
+    }
+    m_entries.append(entry);
+    while (m_entries.size() > MaxEntries)
+        m_entries.removeFirst();
+    m_cursor = int(m_entries.size()) - 1;
+}
+
+bool NavigationHistory::Back(Entry& entry)
+{
+    if (!CanGoBack())
+        return false;
+    entry = m_entries.at(--m_cursor);
+    return true;
+}
+
+bool NavigationHistory::Forward(Entry& entry)
+{
+    if (m_cursor >= int(m_entries.size()))
+        return false;
+    ++m_cursor;
+    // Stepping past the newest entry is allowed and yields nothing.
+    if (m_cursor >= int(m_entries.size()))
+        return false;
+    entry = m_entries.at(m_cursor);
+    return true;
+}
+
+void NavigationHistory::RemoveView(const void* view)
+{
+    const int before = int(m_entries.size());
+    m_entries.removeIf([view](const Entry& e) { return e.view == view; });
+    if (before != m_entries.size())
+        m_cursor = int(m_entries.size()) - 1;
+}

@@ -1,1 +1,36 @@
 #pragma once
+
+#include <QList>
+
+// Caret positions to go back and forward to: pairs of view and position, at most 20,
+// no pair twice, the oldest dropped first.
+class NavigationHistory
+{
+public:
+    static constexpr int MaxEntries = 20;
+
+    struct Entry
+    {
+        const void* view = nullptr;
+        long position = 0;
+        bool operator==(const Entry&) const = default;
+    };
+
+    // Records a position; afterwards the cursor stands on the newest entry.
+    void Add(const void* view, long position);
+    // Steps back or forward; false (and no entry) when there is nowhere to go.
+    bool Back(Entry& entry);
+    bool Forward(Entry& entry);
+    bool CanGoBack() const { return m_cursor > 0; }
+    bool CanGoForward() const { return m_cursor + 1 < m_entries.size(); }
+    // Forgets every position of a view that is going away.
+    void RemoveView(const void* view);
+
+    int Count() const { return int(m_entries.size()); }
+    int Cursor() const { return m_cursor; }
+    const QList<Entry>& Entries() const { return m_entries; }
+
+private:
+    QList<Entry> m_entries;
+    int m_cursor = -1;
+};

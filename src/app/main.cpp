@@ -1,1 +1,11 @@
-int main() { return 0; }
+#include "CMorvaneApp.h"
+
+int main(int argc, char** argv)
+{
+    CMorvaneApp app(argc, argv);
+    QStringList files = app.arguments();
+    files.removeFirst();
+    if (!app.InitInstance(files))
+        return 1;
+    return app.exec();
+}

@@ -1,1 +1,248 @@
-// placeholder
+#include "CScrivelDoc.h"
+
+#include "CFileDialogEx.h"
+#include "CMFCScintilla.h"
+#include "CScrivelFrame.h"
+#include "CScrivelView.h"
+#include "TextLoader.h"
+#include "TextSaver.h"
+#include "app/CDocTemplate.h"
+#include "app/CMainFrame.h"
+#include "app/CMorvaneApp.h"
+#include "app/OpenOptions.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace {
+
+// The line end of the first line that has one, as the control's eol mode; -1 if none.
+int DetectLineEnding(const CMFCScintilla& editor)
+{
+    if (editor.GetLineCount() < 2)
+        return -1;
+    const long end = editor.GetLineEndPosition(0);
+    const QByteArray tail = editor.GetTextRange(end, std::min(end + 2, editor.GetLength()));
+    if (tail.startsWith("\r\n"))
+        return CMFCScintilla::SC_EOL_CRLF;
+    if (tail.startsWith('\r'))
+        return CMFCScintilla::SC_EOL_CR;
+    return CMFCScintilla::SC_EOL_LF;
+}
+
+QString ExtensionOf(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix();
+    return suffix.isEmpty() ? QString() : QLatin1Char('.') + suffix;
+}
+
+} // namespace
+
+CScrivelDoc::CScrivelDoc(QObject* parent)
+    : CDocument(parent)
+{
+}
+
+CScrivelDoc::~CScrivelDoc() = default;
+
+int CScrivelDoc::AttachView(CMFCScintilla* editor)
+{
+    m_editors.append(editor);
+    if (m_sharedDocument) {
+        editor->SetDocPointer(m_sharedDocument);
+        return 1;
+    }
+    m_sharedDocument = editor->GetDocPointer();
+    // Keep the text alive for as long as the document, whichever view goes first.
+    editor->SendScintilla(QsciScintillaBase::SCI_ADDREFDOCUMENT, 0UL, m_sharedDocument);
+    return 0;
+}
+
+void CScrivelDoc::DetachView(CMFCScintilla* editor)
+{
+    m_editors.removeAll(editor);
+    if (m_editors.isEmpty() && m_sharedDocument) {
+        editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, m_sharedDocument);
+        m_sharedDocument = nullptr;
+    }
+}
+
+CMFCScintilla* CScrivelDoc::GetEditor() const
+{
+    return m_editors.isEmpty() ? nullptr : m_editors.first();
+}
+
+CScrivelView* CScrivelDoc::GetFirstView() const
+{
+    for (CChildFrame* frame : GetFrames()) {
+        if (auto* textFrame = qobject_cast<CScrivelFrame*>(frame))
+            return textFrame->GetView();
+    }
+    return nullptr;
+}
+
+void CScrivelDoc::ShowError(const QString& text) const
+{
+    QMessageBox::warning(QApplication::activeWindow(), QApplication::applicationDisplayName(), text);
+}
+
+bool CScrivelDoc::OnNewDocument()
+{
+    if (!CDocument::OnNewDocument())
+        return false;
+    if (CMFCScintilla* editor = GetEditor()) {
+        editor->SetSavePoint();
+        editor->EmptyUndoBuffer();
+    }
+    ApplyParserForExtension(QStringLiteral(".*"));
+    UpdateTitle();
+    return true;
+}
+
+bool CScrivelDoc::OnOpenDocument(const QString& path)
+{
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return false;
+    OpenOptions options;
+    if (CDocTemplate* docTemplate = GetDocTemplate(); docTemplate && docTemplate->GetOpenOptions())
+        options = *docTemplate->GetOpenOptions();
+    Encoding = options.encoding;
+    BomLength = options.bomLength;
+    WriteMark = BomLength > 0;
+
+    IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
+    const TextLoader::Result loaded = TextLoader::Load(*editor, path, Encoding, BomLength, progress);
+    if (!loaded.ok) {
+        ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), loaded.error));
+        return false;
+    }
+
+    const QFileInfo info(path);
+    NeedsSaveAs = TextEncoding::IsReadOnlyForm(Encoding) || loaded.lostBytes > 0;
+    ReadOnly = options.readOnly || (info.exists() && !info.isWritable()) || NeedsSaveAs;
+
+    const int eol = DetectLineEnding(*editor);
+    if (eol >= 0)
+        editor->SetEOLMode(eol);
+    LineEnding = editor->GetEOLMode();
+
+    editor->SetReadOnly(ReadOnly);
+    editor->SetSavePoint();
+    editor->EmptyUndoBuffer();
+    editor->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLEENFORCEPOLICY, 0UL);
+    editor->GotoLine(0);
+
+    ApplyParserForExtension(ExtensionOf(path));
+    if (CMainFrame* frame = CMorvaneApp::MainFrame(); frame && frame->Settings().view.LineNumbers)
+        editor->SetLineNumberMargin(true);
+    CDocument::OnOpenDocument(path);
+    return true;
+}
+
+void CScrivelDoc::OnCloseDocument()
+{
+    CDocument::OnCloseDocument();
+}
+
+bool CScrivelDoc::DoSave(const QString& path, bool replace)
+{
+    if (path.isEmpty() || (NeedsSaveAs && path == m_strPathName)) {
+        const QFileInfo current(m_strPathName);
+        CFileDialogEx dialog(false, current.fileName().isEmpty() ? GetTitle().remove(QLatin1Char('*'))
+                                                                 : current.fileName(),
+                             QApplication::activeWindow(),
+                             m_strPathName.isEmpty() ? QString() : current.absolutePath());
+        dialog.SetEncoding(Encoding);
+        dialog.SetLineEnding(LineEnding);
+        if (dialog.DoModal() != QDialog::Accepted)
+            return false;
+        const QStringList chosen = dialog.GetPathNames();
+        if (chosen.isEmpty())
+            return false;
+        return SaveAs(chosen.first(), dialog.GetEncoding(), dialog.GetLineEnding());
+    }
+    return WriteFile(path, replace, false);
+}
+
+bool CScrivelDoc::SaveAs(const QString& path, int encoding, int lineEnding)
+{
+    Encoding = encoding;
+    LineEnding = lineEnding;
+    // A chosen Unicode encoding is written with its mark.
+    WriteMark = TextEncoding::MarkLength(encoding) > 0;
+    NeedsSaveAs = false;
+    return WriteFile(path, true, true);
+}
+
+bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
+{
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return false;
+    editor->SetEOLMode(LineEnding);
+    const TextSaver::Result saved = TextSaver::Save(*editor, path, Encoding, WriteMark);
+    if (!saved.ok) {
+        QMessageBox::warning(QApplication::activeWindow(), QApplication::applicationDisplayName(),
+                             tr("Failed to create a new file when saving the current document"));
+        return false;
+    }
+    if (replace || isSaveAs) {
+        SetPathName(path, true);
+        ApplyParserForExtension(ExtensionOf(path));
+        if (isSaveAs)
+            editor->SetReadOnly(false);
+    }
+    editor->SetSavePoint();
+    const CMainFrame* frame = CMorvaneApp::MainFrame();
+    if (!frame || frame->Settings().ResetUndoOnSave)
+        editor->EmptyUndoBuffer();
+    SetModifiedFlag(false);
+    return true;
+}
+
+void CScrivelDoc::SetModifiedFlag(bool modified)
+{
+    m_bModified = modified;
+    UpdateTitle();
+    Q_EMIT modifiedChanged(modified);
+}
+
+void CScrivelDoc::SetPathName(const QString& path, bool addToRecent)
+{
+    CDocument::SetPathName(path, addToRecent);
+    UpdateTitle();
+}
+
+void CScrivelDoc::UpdateTitle()
+{
+    QString title = m_strTitle;
+    if (!ReadOnly) {
+        if (title.endsWith(QLatin1Char('*')))
+            title.chop(1);
+        if (m_bModified)
+            title += QLatin1Char('*');
+    } else if (!title.contains(QStringLiteral("[Read Only]"))) {
+        title += QStringLiteral(" [Read Only]");
+    }
+    SetTitle(title);
+}
+
+void CScrivelDoc::GoToLineColumn(long line, long column)
+{
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return;
+    const long position = editor->FindColumn(line - 1, column);
+    editor->GotoPos(position);
+    editor->ScrollCaret();
+    editor->setFocus();
+}
+
+void CScrivelDoc::ApplyParserForExtension(const QString& extension)
+{
+    if (CMainFrame* frame = CMorvaneApp::MainFrame())
+        frame->ApplyParserForExtension(this, extension);
+}

@@ -1,1 +1,59 @@
 #pragma once
+
+#include "app/CDocument.h"
+#include "TextEncoding.h"
+
+class CMFCScintilla;
+class CScrivelView;
+
+// The document of a text file. It holds no text itself: the text lives in the control
+// of its first view, and the document moves bytes between the disk and that control.
+class CScrivelDoc : public CDocument
+{
+    Q_OBJECT
+public:
+    explicit CScrivelDoc(QObject* parent = nullptr);
+    ~CScrivelDoc() override;
+
+    bool OnNewDocument() override;
+    bool OnOpenDocument(const QString& path) override;
+    void OnCloseDocument() override;
+    bool DoSave(const QString& path, bool replace = true) override;
+    void SetModifiedFlag(bool modified = true) override;
+    void SetPathName(const QString& path, bool addToRecent = true) override;
+
+    // A view's control joins the document: the first one's text becomes the document's,
+    // later ones share it. Returns 1 when the text was shared, 0 for the first view.
+    int AttachView(CMFCScintilla* editor);
+    void DetachView(CMFCScintilla* editor);
+    CMFCScintilla* GetEditor() const;
+    CScrivelView* GetFirstView() const;
+
+    // Moves the caret to a line (from 1) and column and shows it.
+    void GoToLineColumn(long line, long column);
+    // Chooses colouring by the file's extension (".txt", ".*" for new documents).
+    void ApplyParserForExtension(const QString& extension);
+
+    int LineEnding = 0;
+    int Encoding = TextEncoding::Auto;
+    int BomLength = 0;
+    bool ReadOnly = false;
+    // Whether a save writes the encoding's mark: kept from the file as it was read, or
+    // set by an explicit choice in Save As.
+    bool WriteMark = false;
+    // The file can only be written through Save As: a form we don't write, or bytes
+    // that could not be read as text.
+    bool NeedsSaveAs = false;
+
+    // Save As with the choices of the dialog already made: writes the text to `path` in
+    // `encoding` (with its mark) and `lineEnding` for new lines, and takes the new name.
+    bool SaveAs(const QString& path, int encoding, int lineEnding);
+
+private:
+    void UpdateTitle();
+    void ShowError(const QString& text) const;
+    bool WriteFile(const QString& path, bool replace, bool isSaveAs);
+
+    void* m_sharedDocument = nullptr;
+    QList<CMFCScintilla*> m_editors;
+};

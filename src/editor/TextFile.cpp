@@ -70,10 +70,20 @@ QString TextFile::ErrorString() const
 bool TextFile::OpenWrite(const QString& path)
 {
     Close();
+    m_writeFailed = false;
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile() && !info.isDir()) {
+        m_direct = std::make_unique<QFile>(path);
+        if (!m_direct->open(QIODevice::WriteOnly)) {
+            m_error = m_direct->errorString();
+            m_direct.reset();
+            return false;
+        }
+        return true;
+    }
     m_write = std::make_unique<QSaveFile>(path);
     // Where the folder refuses a new file, write the file in place rather than fail.
     m_write->setDirectWriteFallback(true);
-    m_writeFailed = false;
     if (!m_write->open(QIODevice::WriteOnly)) {
         m_error = m_write->errorString();
         m_write.reset();
@@ -84,15 +94,17 @@ bool TextFile::OpenWrite(const QString& path)
 
 bool TextFile::Write(const char* data, qint64 length)
 {
-    if (!m_write || m_writeFailed)
+    QFileDevice* device = m_write ? static_cast<QFileDevice*>(m_write.get()) : m_direct.get();
+    if (!device || m_writeFailed)
         return false;
     qint64 done = 0;
     while (done < length) {
-        const qint64 n = m_write->write(data + done, length - done);
+        const qint64 n = device->write(data + done, length - done);
         if (n <= 0) {
             m_writeFailed = true;
-            m_error = m_write->errorString();
-            m_write->cancelWriting();
+            m_error = device->errorString();
+            if (m_write)
+                m_write->cancelWriting();
             return false;
         }
         done += n;
@@ -102,6 +114,14 @@ bool TextFile::Write(const char* data, qint64 length)
 
 bool TextFile::Commit()
 {
+    if (m_direct) {
+        bool ok = !m_writeFailed && m_direct->flush();
+        if (!ok && m_error.isEmpty())
+            m_error = m_direct->errorString();
+        m_direct->close();
+        m_direct.reset();
+        return ok;
+    }
     if (!m_write)
         return false;
     bool ok = !m_writeFailed;
@@ -122,4 +142,5 @@ void TextFile::Close()
         m_write->cancelWriting();
         m_write.reset();
     }
+    m_direct.reset();
 }

@@ -38,6 +38,8 @@ public:
 private:
     QFile m_read;
     std::unique_ptr<QSaveFile> m_write;
+    // Devices and pipes can't be replaced by renaming: they are written in place.
+    std::unique_ptr<QFile> m_direct;
     bool m_writeFailed = false;
     QString m_error;
 };

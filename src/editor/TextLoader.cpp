@@ -1,1 +1,93 @@
-// placeholder
+#include "TextLoader.h"
+
+#include "CMFCScintilla.h"
+#include "EncodingReader.h"
+#include "TextEncoding.h"
+#include "TextFile.h"
+#include "app/IStatusSink.h"
+
+#include <vector>
+
+namespace {
+
+// Restores the control's notification mask and undo collection however the load ends.
+class QuietLoad
+{
+public:
+    explicit QuietLoad(CMFCScintilla& editor)
+        : m_editor(editor)
+        , m_mask(editor.SendScintilla(QsciScintillaBase::SCI_GETMODEVENTMASK))
+    {
+        m_editor.SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, 0UL);
+        m_editor.SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0UL);
+    }
+    ~QuietLoad()
+    {
+        m_editor.SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1UL);
+        m_editor.SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, static_cast<unsigned long>(m_mask));
+    }
+
+private:
+    CMFCScintilla& m_editor;
+    long m_mask;
+};
+
+} // namespace
+
+TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, int encoding,
+                                    int bomLength, IProgressSink* progress)
+{
+    Result result;
+    TextFile file;
+    if (!file.OpenRead(path)) {
+        result.error = file.ErrorString();
+        return result;
+    }
+    const qint64 size = file.Size();
+    EncodingReader reader(encoding, bomLength);
+
+    const bool wasReadOnly = editor.GetReadOnly();
+    editor.SetReadOnly(false);
+    if (progress)
+        progress->StartProgress(size);
+    {
+        QuietLoad quiet(editor);
+        editor.SetCodePage(TextEncoding::HeldAsUtf8(encoding) ? int(CMFCScintilla::SC_CP_UTF8) : 0);
+        // 16-bit text grows by up to half again when it becomes UTF-8.
+        const bool wide = encoding != TextEncoding::Ansi && encoding != TextEncoding::Utf8
+            && encoding != TextEncoding::Auto;
+        editor.Allocate(static_cast<long>((wide ? size + size / 2 : size) + 1000));
+        editor.ClearAll();
+
+        std::vector<char> buffer(static_cast<std::size_t>(TextFile::ChunkSize) + 1);
+        qint64 done = 0;
+        for (;;) {
+            const qint64 n = file.ReadChunk(buffer.data(), TextFile::ChunkSize);
+            if (n <= 0)
+                break;
+            const std::string_view text = reader.Feed(buffer.data(), static_cast<std::size_t>(n));
+            if (!text.empty())
+                editor.AddText(text.data(), static_cast<long>(text.size()));
+            done += n;
+            if (progress)
+                progress->SetProgress(done);
+        }
+        const std::string_view rest = reader.Finish();
+        if (!rest.empty())
+            editor.AddText(rest.data(), static_cast<long>(rest.size()));
+        result.bytesRead = done;
+        result.lostBytes = reader.LostBytes();
+        if (!file.ErrorString().isEmpty() && done < size) {
+            result.error = file.ErrorString();
+        }
+    }
+    file.Close();
+    if (progress)
+        progress->StopProgress();
+
+    editor.EmptyUndoBuffer();
+    editor.SetSavePoint();
+    editor.SetReadOnly(wasReadOnly);
+    result.ok = result.error.isEmpty();
+    return result;
+}

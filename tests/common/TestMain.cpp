@@ -5,6 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+
+// Made by the application library the test links: a plain QApplication or CMorvaneApp.
+QApplication* CreateTestApplication(int& argc, char** argv);
+
 // Every test binary runs in a throw-away home: settings, data and caches all land in
 // a temporary folder that is removed at the end.
 int main(int argc, char** argv)
@@ -32,8 +37,8 @@ int main(int argc, char** argv)
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, home.path() + QStringLiteral("/.config"));
     QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, home.path() + QStringLiteral("/.config"));
 
-    QApplication app(argc, argv);
-    app.setOrganizationName(QStringLiteral("Brackwyn"));
-    app.setApplicationName(QStringLiteral("Morvane"));
+    std::unique_ptr<QApplication> app(CreateTestApplication(argc, argv));
+    app->setOrganizationName(QStringLiteral("Brackwyn"));
+    app->setApplicationName(QStringLiteral("Morvane"));
     return RUN_ALL_TESTS();
 }

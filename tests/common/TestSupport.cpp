@@ -49,3 +49,40 @@ void ClearSettings()
 }
 
 } // namespace TestSupport
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QMessageBox>
+
+namespace TestSupport {
+
+ModalAnswerer::ModalAnswerer(int button)
+    : m_button(button)
+{
+    m_timer.setInterval(10);
+    QObject::connect(&m_timer, &QTimer::timeout, this, [this] { Poll(); });
+    m_timer.start();
+}
+
+void ModalAnswerer::Poll()
+{
+    QWidget* modal = QApplication::activeModalWidget();
+    if (!modal)
+        return;
+    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+        m_texts << box->text();
+        QAbstractButton* button = m_button ? box->button(QMessageBox::StandardButton(m_button)) : nullptr;
+        if (button)
+            button->click();
+        else
+            box->done(QMessageBox::Cancel);
+        return;
+    }
+    if (auto* dialog = qobject_cast<QDialog*>(modal)) {
+        m_texts << dialog->windowTitle();
+        dialog->reject();
+    }
+}
+
+} // namespace TestSupport

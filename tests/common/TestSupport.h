@@ -16,3 +16,28 @@ QByteArray ReadFile(const QString& path);
 void ClearSettings();
 
 } // namespace TestSupport
+
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+
+namespace TestSupport {
+
+// Answers every modal message box that opens while it lives, recording its text, so
+// that code which shows one can run in a test without a person to click.
+class ModalAnswerer : public QObject
+{
+public:
+    // `button` is pressed when the box has it (e.g. QMessageBox::No), else the box is
+    // closed with Escape.
+    explicit ModalAnswerer(int button = 0);
+    const QStringList& Texts() const { return m_texts; }
+
+private:
+    void Poll();
+    QTimer m_timer;
+    int m_button;
+    QStringList m_texts;
+};
+
+} // namespace TestSupport

@@ -1,0 +1,43 @@
+#include "TextSaver.h"
+
+#include "CMFCScintilla.h"
+#include "EncodingWriter.h"
+#include "TextFile.h"
+
+TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& path, int encoding,
+                                  bool writeMark)
+{
+    Result result;
+    TextFile file;
+    if (!file.OpenWrite(path)) {
+        result.error = file.ErrorString();
+        return result;
+    }
+    EncodingWriter writer(encoding, writeMark);
+    const long length = editor.GetLength();
+    // One contiguous view of the text; no copy of a large document is made.
+    const char* text = reinterpret_cast<const char*>(
+        editor.SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    bool ok = true;
+    long offset = 0;
+    do {
+        const long size = std::min<long>(length - offset, TextFile::ChunkSize);
+        const std::string_view bytes = writer.Encode(text + offset, static_cast<std::size_t>(size));
+        if (!bytes.empty() && !file.Write(bytes.data(), static_cast<qint64>(bytes.size()))) {
+            ok = false;
+            break;
+        }
+        offset += size;
+    } while (offset < length);
+    if (ok) {
+        const std::string_view rest = writer.Finish();
+        if (!rest.empty())
+            ok = file.Write(rest.data(), static_cast<qint64>(rest.size()));
+    }
+    if (ok)
+        ok = file.Commit();
+    if (!ok)
+        result.error = file.ErrorString();
+    result.ok = ok;
+    return result;
+}

@@ -1,0 +1,6 @@
+#include <QApplication>
+
+QApplication* CreateTestApplication(int& argc, char** argv)
+{
+    return new QApplication(argc, argv);
+}
