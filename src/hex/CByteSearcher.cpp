@@ -53,12 +53,16 @@ qint64 CByteSearcher::FindFirst(const uchar* data, qint64 length) const
         return hit ? static_cast<const uchar*>(hit) - data : -1;
     }
 #endif
+    const auto* p = reinterpret_cast<const uchar*>(m_pattern.constData());
+    const uchar lastByte = p[m - 1];
     const qint64 last = length - m;
     qint64 j = 0;
     while (j <= last) {
-        if (MatchesAt(data + j))
+        const uchar c = data[j + m - 1];
+        // The byte that decides the shift is checked first: most windows end there.
+        if (m_fold[c] == lastByte && MatchesAt(data + j))
             return j;
-        j += m_forwardSkip[data[j + m - 1]];
+        j += m_forwardSkip[c];
     }
     return -1;
 }
@@ -68,11 +72,13 @@ qint64 CByteSearcher::FindLast(const uchar* data, qint64 length) const
     const qint64 m = m_pattern.size();
     if (m == 0 || length < m)
         return -1;
+    const uchar firstByte = uchar(m_pattern[0]);
     qint64 j = length - m;
     while (j >= 0) {
-        if (MatchesAt(data + j))
+        const uchar c = data[j];
+        if (m_fold[c] == firstByte && MatchesAt(data + j))
             return j;
-        j -= m_backwardSkip[data[j]];
+        j -= m_backwardSkip[c];
     }
     return -1;
 }

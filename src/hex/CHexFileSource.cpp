@@ -1,5 +1,7 @@
 #include "CHexFileSource.h"
 
+#include "MappedMemoryGuard.h"
+
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <cstring>
@@ -97,6 +99,11 @@ const uchar* CHexFileSource::Data(qint64 offset, qint64 length) const
     return m_map + offset;
 }
 
+void CHexFileSource::MarkBroken() const
+{
+    m_broken = true;
+}
+
 bool CHexFileSource::Read(qint64 offset, qint64 length, uchar* dest) const
 {
     if (offset < 0 || length < 0 || offset > m_size || length > m_size - offset)
@@ -107,7 +114,10 @@ bool CHexFileSource::Read(qint64 offset, qint64 length, uchar* dest) const
         const uchar* data = Data(offset, length);
         if (!data)
             return false;
-        std::memcpy(dest, data, size_t(length));
+        if (!MappedMemoryGuard::Run([&] { std::memcpy(dest, data, size_t(length)); })) {
+            m_broken = true; // shrunk while we copied
+            return false;
+        }
         return true;
     }
     if (!IsIntact() || !m_file.seek(offset))

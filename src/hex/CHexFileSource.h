@@ -34,8 +34,10 @@ public:
     bool Read(qint64 offset, qint64 length, uchar* dest) const;
 
     // The mapped bytes of [offset, offset + length), or null when the file is not mapped,
-    // the range is bad or the file has shrunk. Valid until the next call that may fail.
+    // the range is bad or the file has shrunk. Read them inside MappedMemoryGuard::Run
+    // and call MarkBroken when that reports a fault.
     const uchar* Data(qint64 offset, qint64 length) const;
+    void MarkBroken() const;
 
     // The open handle, for copying with the system's help; -1 when closed.
     int Handle() const { return m_file.isOpen() ? m_file.handle() : -1; }

@@ -1,6 +1,7 @@
 #include "CPieceTable.h"
 
 #include "CByteSearcher.h"
+#include "MappedMemoryGuard.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -282,7 +283,12 @@ CPieceTable::FindResult CPieceTable::Find(const QByteArray& pattern, qint64 from
                 result.failed = true;
                 return result;
             }
-            const qint64 hit = searcher.FindFirst(data, n);
+            qint64 hit = -1;
+            if (!MappedMemoryGuard::Run([&] { hit = searcher.FindFirst(data, n); })) {
+                m_source->MarkBroken();
+                result.failed = true;
+                return result;
+            }
             if (hit >= 0) {
                 result.offset = pos + hit;
                 return result;
@@ -319,7 +325,12 @@ CPieceTable::FindResult CPieceTable::Find(const QByteArray& pattern, qint64 from
             return result;
         }
         const qint64 spanStart = end - n;
-        const qint64 hit = searcher.FindLast(data, n);
+        qint64 hit = -1;
+        if (!MappedMemoryGuard::Run([&] { hit = searcher.FindLast(data, n); })) {
+            m_source->MarkBroken();
+            result.failed = true;
+            return result;
+        }
         if (hit >= 0) {
             result.offset = spanStart + hit;
             return result;

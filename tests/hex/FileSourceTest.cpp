@@ -1,5 +1,6 @@
 #include "hex/CHexFileSource.h"
 #include "hex/CPieceTable.h"
+#include "hex/MappedMemoryGuard.h"
 
 #include "TestSupport.h"
 
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #ifdef Q_OS_UNIX
+#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -110,6 +112,26 @@ TEST(FileSource, ShrunkFileIsDetectedAndNeverReadPastItsEnd)
     grow.write(QByteArray(2 << 20, 'r'));
     grow.close();
     EXPECT_FALSE(table.IsSourceIntact());
+}
+
+// The file shrinks after the size check but before the copy: the guard turns the
+// SIGBUS into a failed read.
+TEST(FileSource, GuardSurvivesAFaultOnATruncatedMapping)
+{
+    const QString path = MakeFile(QByteArray(64 * 1024, 'g'));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    uchar* map = file.map(0, file.size());
+    ASSERT_NE(map, nullptr);
+    ASSERT_EQ(::truncate(QFile::encodeName(path).constData(), 0), 0);
+    uchar buffer[16] = {};
+    EXPECT_FALSE(MappedMemoryGuard::Run([&] { std::memcpy(buffer, map + 32 * 1024, 16); }));
+    // The guard is reusable and lets good work through.
+    int value = 0;
+    EXPECT_TRUE(MappedMemoryGuard::Run([&] { value = 42; }));
+    EXPECT_EQ(value, 42);
+    EXPECT_FALSE(MappedMemoryGuard::Run([&] { std::memcpy(buffer, map + 48 * 1024, 16); }));
+    file.unmap(map);
 }
 
 // A file deleted while open stays readable through the handle we hold: nothing lost,
