@@ -1,0 +1,231 @@
+#include "search/CFindInFilesDialog.h"
+#include "search/CFindInFilesRunner.h"
+#include "search/CHistoryComboBox.h"
+#include "tools/CFindResultsModel.h"
+#include "tools/COutputBar.h"
+
+#include "TestSupport.h"
+#include "app/CRegistryStore.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString FindReplace = QStringLiteral("FindReplace");
+
+// Closes the next message box and tells its text.
+class MessageCatcher
+{
+public:
+    MessageCatcher()
+    {
+        QTimer::singleShot(0, [this] { Poll(); });
+    }
+    QString text;
+
+private:
+    void Poll()
+    {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            text = box->text();
+            box->done(QMessageBox::Ok);
+            return;
+        }
+        if (++m_tries < 200)
+            QTimer::singleShot(10, [this] { Poll(); });
+    }
+    int m_tries = 0;
+};
+
+class FindInFilesDialogTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        TestSupport::ClearSettings();
+        m_folder = TestSupport::MakeTempDir();
+    }
+    QString m_folder;
+};
+
+TEST_F(FindInFilesDialogTest, StartsFromTheCallersTextAndFolder)
+{
+    CFindInFilesDialog dialog(QStringLiteral("needle"), m_folder);
+    EXPECT_EQ(dialog.findCombo()->currentText(), QStringLiteral("needle"));
+    EXPECT_EQ(dialog.folderCombo()->currentText(), QDir::toNativeSeparators(m_folder));
+    EXPECT_EQ(dialog.patterns(), QStringLiteral("*.*"));
+    const FindInFilesOptions options = dialog.options();
+    EXPECT_EQ(options.text, QStringLiteral("needle"));
+    EXPECT_EQ(options.folder, m_folder);
+}
+
+TEST_F(FindInFilesDialogTest, WithoutTextTheLastSearchIsOffered)
+{
+    CRegistryStore store;
+    store.WriteProfileString(QStringLiteral("SearchHistory"), QStringLiteral("0"), QStringLiteral("latest"));
+    store.WriteProfileString(QStringLiteral("SearchHistory"), QStringLiteral("1"), QStringLiteral("older"));
+    store.WriteProfileString(QStringLiteral("FindInFilesFolders"), QStringLiteral("0"), m_folder);
+    CFindInFilesDialog dialog{QString(), QString()};
+    EXPECT_EQ(dialog.findCombo()->currentText(), QStringLiteral("latest"));
+    EXPECT_EQ(dialog.folderCombo()->currentText(), m_folder);
+}
+
+struct OptionBox
+{
+    const char* value;
+    QCheckBox* (CFindInFilesDialog::*box)() const;
+    bool FindInFilesOptions::*option;
+};
+
+class FindInFilesDialogOptions : public FindInFilesDialogTest, public ::testing::WithParamInterface<OptionBox> {};
+
+TEST_P(FindInFilesDialogOptions, BoxShowsTheStoredValueAndStoresWhatItShows)
+{
+    const OptionBox& c = GetParam();
+    const QString name = QString::fromLatin1(c.value);
+    for (const bool stored : {false, true}) {
+        CRegistryStore().WriteProfileInt(FindReplace, name, stored ? 1 : 0);
+        CFindInFilesDialog dialog(QStringLiteral("x"), m_folder);
+        QCheckBox* box = (dialog.*c.box)();
+        EXPECT_EQ(box->isChecked(), stored);
+        EXPECT_EQ(dialog.options().*c.option, stored);
+        box->setChecked(!stored);
+        EXPECT_EQ(dialog.options().*c.option, !stored);
+        dialog.accept();
+        EXPECT_EQ(dialog.result(), QDialog::Accepted);
+        EXPECT_EQ(CRegistryStore().GetProfileInt(FindReplace, name, -1), stored ? 0 : 1);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Boxes, FindInFilesDialogOptions,
+    ::testing::Values(
+        OptionBox{"SubFolders", &CFindInFilesDialog::subFoldersBox, &FindInFilesOptions::subFolders},
+        OptionBox{"MatchCase", &CFindInFilesDialog::matchCaseBox, &FindInFilesOptions::matchCase},
+        OptionBox{"MatchWord", &CFindInFilesDialog::matchWordBox, &FindInFilesOptions::matchWord},
+        OptionBox{"RegExp", &CFindInFilesDialog::regExpBox, &FindInFilesOptions::regExp}));
+
+TEST_F(FindInFilesDialogTest, FiltersComeFirstAndTheChosenOneIsRemembered)
+{
+    CRegistryStore machine(CRegistryStore::LocalMachine);
+    machine.WriteProfileString(QStringLiteral("FileFilter"), QStringLiteral("*.cpp;*.h"), QStringLiteral("C++ Files"));
+    machine.WriteProfileString(QStringLiteral("FileFilter"), QStringLiteral("*.txt"), QStringLiteral("Text Files"));
+    {
+        CFindInFilesDialog dialog(QStringLiteral("x"), m_folder);
+        CHistoryComboBox* types = dialog.typesCombo();
+        ASSERT_EQ(types->fixedCount(), 2);
+        const int cpp = types->findText(QStringLiteral("C++ Files (*.cpp;*.h)"));
+        ASSERT_GE(cpp, 0);
+        types->setCurrentIndex(cpp);
+        EXPECT_EQ(dialog.patterns(), QStringLiteral("*.cpp;*.h"));
+        dialog.accept();
+        EXPECT_EQ(CRegistryStore().GetProfileInt(QStringLiteral("Settings"), QStringLiteral("DefFInFExt"), -9), cpp);
+        EXPECT_TRUE(types->history().isEmpty()); // a filter is not a typed pattern
+    }
+    {
+        CFindInFilesDialog dialog(QStringLiteral("x"), m_folder);
+        EXPECT_EQ(dialog.patterns(), QStringLiteral("*.cpp;*.h"));
+        dialog.typesCombo()->setEditText(QStringLiteral("*.md *.rst"));
+        EXPECT_EQ(dialog.patterns(), QStringLiteral("*.md *.rst"));
+        dialog.accept();
+        EXPECT_EQ(CRegistryStore().GetProfileInt(QStringLiteral("Settings"), QStringLiteral("DefFInFExt"), -9), -2);
+    }
+    CFindInFilesDialog dialog(QStringLiteral("x"), m_folder);
+    EXPECT_EQ(dialog.patterns(), QStringLiteral("*.md *.rst")); // free text comes back
+    EXPECT_EQ(dialog.typesCombo()->history(), QStringList{"*.md *.rst"});
+}
+
+TEST_F(FindInFilesDialogTest, AcceptRecordsTheHistories)
+{
+    CFindInFilesDialog dialog(QStringLiteral("needle"), m_folder);
+    dialog.accept();
+    CFindInFilesDialog again{QString(), QString()};
+    EXPECT_EQ(again.findCombo()->history(), QStringList{"needle"});
+    EXPECT_EQ(again.folderCombo()->history(), QStringList{QDir::toNativeSeparators(m_folder)});
+}
+
+struct RefusalCase
+{
+    const char* name;
+    const char* text;
+    bool regExp;
+    bool missingFolder;
+    const char* message;
+};
+
+class FindInFilesDialogRefusal : public FindInFilesDialogTest, public ::testing::WithParamInterface<RefusalCase> {};
+
+TEST_P(FindInFilesDialogRefusal, BadInputIsExplainedAndTheDialogStays)
+{
+    const RefusalCase& c = GetParam();
+    CFindInFilesDialog dialog(QString::fromUtf8(c.text), c.missingFolder ? m_folder + QStringLiteral("/gone") : m_folder);
+    dialog.findCombo()->setEditText(QString::fromUtf8(c.text));
+    dialog.regExpBox()->setChecked(c.regExp);
+    dialog.show();
+    MessageCatcher catcher;
+    dialog.accept();
+    EXPECT_TRUE(catcher.text.contains(QString::fromUtf8(c.message))) << catcher.text.toStdString();
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_TRUE(dialog.findCombo()->history().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, FindInFilesDialogRefusal,
+    ::testing::Values(RefusalCase{"EmptyText", "", false, false, "Please provide a search value"},
+                      RefusalCase{"MissingFolder", "x", false, true, "does not exist"},
+                      RefusalCase{"BrokenExpression", "a(b", true, false, "regular expression is not valid"}),
+    [](const ::testing::TestParamInfo<RefusalCase>& info) { return std::string(info.param.name); });
+
+TEST_F(FindInFilesDialogTest, RunnerFillsTheOutputBarEndToEnd)
+{
+    TestSupport::WriteFile(m_folder + QStringLiteral("/a.txt"), "one needle\ntwo\nneedle three\n");
+    TestSupport::WriteFile(m_folder + QStringLiteral("/sub/b.txt"), "\tneedle\n");
+    TestSupport::WriteFile(m_folder + QStringLiteral("/c.bin"), QByteArray("needle\0", 7));
+    COutputBar bar;
+    CFindInFilesRunner runner(&bar);
+    QSignalSpy finished(&runner, &CFindInFilesRunner::finished);
+    FindInFilesOptions options;
+    options.folder = m_folder;
+    options.text = QStringLiteral("needle");
+    options.subFolders = true;
+    ASSERT_TRUE(runner.start(options));
+    EXPECT_TRUE(bar.isStopVisible());
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_FALSE(bar.isStopVisible());
+    CFindResultsModel* model = bar.findResultsModel();
+    ASSERT_EQ(model->rowCount(), 3);
+    QStringList rows;
+    for (int i = 0; i < model->rowCount(); ++i)
+        rows.append(model->index(i).data().toString());
+    rows.sort();
+    const QString a = QDir::toNativeSeparators(m_folder + QStringLiteral("/a.txt"));
+    const QString b = QDir::toNativeSeparators(m_folder + QStringLiteral("/sub/b.txt"));
+    EXPECT_EQ(rows, (QStringList{a + QStringLiteral("(1,4): one needle"), a + QStringLiteral("(3,0): needle three"),
+                                 b + QStringLiteral("(1,4): \tneedle")}));
+    EXPECT_TRUE(bar.findStatusText().contains(QStringLiteral("3 matches in 2 of 2 files searched")))
+        << bar.findStatusText().toStdString();
+    EXPECT_TRUE(bar.findStatusText().contains(QStringLiteral("1 binary")));
+}
+
+TEST_F(FindInFilesDialogTest, RunnerShowsWhyASearchCannotStart)
+{
+    COutputBar bar;
+    CFindInFilesRunner runner(&bar);
+    FindInFilesOptions options;
+    options.folder = m_folder;
+    options.text = QStringLiteral("[unclosed");
+    options.regExp = true;
+    EXPECT_FALSE(runner.start(options));
+    EXPECT_FALSE(runner.isRunning());
+    EXPECT_TRUE(bar.findStatusText().contains(QStringLiteral("regular expression"))) << bar.findStatusText().toStdString();
+    EXPECT_EQ(bar.findResultsModel()->rowCount(), 0);
+}
+
+} // namespace
