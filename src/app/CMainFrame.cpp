@@ -41,7 +41,16 @@ CMainFrame::CMainFrame(CMorvaneApp* app)
     setObjectName(QStringLiteral("MainFrame"));
 }
 
-CMainFrame::~CMainFrame() = default;
+CMainFrame::~CMainFrame()
+{
+    // The children go first, while this frame can still take their last signals.
+    disconnect(m_statusConnection);
+    disconnect(m_titleConnection);
+    if (m_mdiArea) {
+        m_mdiArea->disconnect(this);
+        delete takeCentralWidget();
+    }
+}
 
 bool CMainFrame::Create()
 {
@@ -300,6 +309,14 @@ void CMainFrame::ApplyParserForExtension(CScrivelDoc* document, const QString& e
     Q_UNUSED(extension);
 }
 
+void CMainFrame::OnFrameCreated(CChildFrame* frame)
+{
+    connect(frame, &QWidget::windowTitleChanged, this, &CMainFrame::UpdateTitle);
+    connect(frame, &QObject::destroyed, this, &CMainFrame::UpdateTitle, Qt::QueuedConnection);
+    UpdateTitle();
+    RequestCommandUpdate();
+}
+
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window)
 {
     disconnect(m_statusConnection);
@@ -308,7 +325,6 @@ void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window)
     if (child) {
         m_statusConnection = connect(child, &CChildFrame::statusTextChanged, m_positionLabel,
                                      &QLabel::setText);
-        m_titleConnection = connect(child, &QWidget::windowTitleChanged, this, &CMainFrame::UpdateTitle);
         m_positionLabel->setText(child->StatusText());
     } else {
         m_positionLabel->clear();

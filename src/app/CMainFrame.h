@@ -61,6 +61,8 @@ public:
     void StopProgress() override;
 
     QString PositionText() const;
+    // Every new child frame is announced here, so the title follows it.
+    void OnFrameCreated(CChildFrame* frame);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -10,6 +10,7 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/TextFileDetector.h"
+#include "hex/HexTemplate.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -27,7 +28,29 @@ CMorvaneApp::CMorvaneApp(int& argc, char** argv)
 
 CMorvaneApp::~CMorvaneApp()
 {
-    delete m_pMainFrame;
+    Shutdown();
+}
+
+void CMorvaneApp::Shutdown()
+{
+    if (m_pMainFrame) {
+        // Documents go without a question: whoever shuts down has asked already.
+        const auto frames = m_pMainFrame->ChildFrames();
+        for (CChildFrame* frame : frames) {
+            if (CDocument* document = frame->GetDocument())
+                document->SetModifiedFlag(false);
+        }
+        m_pMainFrame->MdiArea()->closeAllSubWindows();
+        delete m_pMainFrame;
+    }
+    delete m_pTextTemplate;
+    m_pTextTemplate = nullptr;
+    delete m_pHexTemplate;
+    m_pHexTemplate = nullptr;
+    delete m_handOff;
+    m_handOff = nullptr;
+    m_navigation = NavigationHistory();
+    m_openOptions = OpenOptions::defaults();
 }
 
 CMorvaneApp* CMorvaneApp::Instance()
@@ -83,10 +106,14 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
         [](CDocument* document) { return new CScrivelFrame(static_cast<CScrivelDoc*>(document)); },
         this);
     WatchDocuments(m_pTextTemplate);
+    m_pHexTemplate = CreateHexTemplate(this);
+    WatchDocuments(m_pHexTemplate);
 
     m_pMainFrame = new CMainFrame(this);
     if (!m_pMainFrame->Create())
         return false;
+    for (CDocTemplate* docTemplate : {m_pTextTemplate, m_pHexTemplate})
+        connect(docTemplate, &CDocTemplate::frameCreated, m_pMainFrame, &CMainFrame::OnFrameCreated);
     m_pTextTemplate->SetMdiArea(m_pMainFrame->MdiArea());
     m_pTextTemplate->SetProgressSink(m_pMainFrame);
     if (m_pHexTemplate) {
@@ -157,14 +184,8 @@ CDocument* CMorvaneApp::RouteOpenFile(const QString& path)
     m_lastRouteMode = m_openOptions.mode;
 
     const QString full = QFileInfo(path).absoluteFilePath();
-    if (m_openOptions.mode == OpenOptions::Hex) {
-        if (m_pHexTemplate)
-            return m_pHexTemplate->OpenDocumentFile(full);
-        // Without a hex view the bytes are shown as text and can't be changed.
-        m_openOptions.readOnly = true;
-        m_openOptions.encoding = 3;
-        m_openOptions.bomLength = 0;
-    }
+    if (m_openOptions.mode == OpenOptions::Hex && m_pHexTemplate)
+        return m_pHexTemplate->OpenDocumentFile(full);
     return m_pTextTemplate ? m_pTextTemplate->OpenDocumentFile(full) : nullptr;
 }
 

@@ -32,6 +32,9 @@ public:
     // other processes. False when the program can't start.
     bool InitInstance(const QStringList& files);
     void ExitInstance();
+    // Releases the main frame, the documents and the templates; InitInstance may run
+    // again afterwards.
+    void Shutdown();
 
     // The open of a single path with options reset to "detect".
     CDocument* OpenDocumentFile(const QString& path);

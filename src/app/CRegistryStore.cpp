@@ -13,8 +13,11 @@ QSettings::Scope ScopeOf(CRegistryStore::Root root)
 
 std::unique_ptr<QSettings> Open(CRegistryStore::Root root)
 {
-    return std::make_unique<QSettings>(QSettings::NativeFormat, ScopeOf(root),
-                                       QStringLiteral("Brackwyn"), QStringLiteral("Morvane"));
+    auto settings = std::make_unique<QSettings>(QSettings::NativeFormat, ScopeOf(root),
+                                                QStringLiteral("Brackwyn"), QStringLiteral("Morvane"));
+    // The user's store never shows the machine's values as its own.
+    settings->setFallbacksEnabled(false);
+    return settings;
 }
 
 QString SectionGroup(const QString& section)

@@ -7,5 +7,7 @@ int main(int argc, char** argv)
     files.removeFirst();
     if (!app.InitInstance(files))
         return 1;
-    return app.exec();
+    const int code = app.exec();
+    app.Shutdown();
+    return code;
 }

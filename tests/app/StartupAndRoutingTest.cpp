@@ -1,0 +1,223 @@
+#include "app/CDocTemplate.h"
+#include "app/CMainFrame.h"
+#include "app/CMorvaneApp.h"
+#include "app/CRegistryStore.h"
+#include "app/FileHandOff.h"
+#include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
+#include "hex/CHexDocument.h"
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMdiArea>
+#include <QSettings>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Each test starts the whole program afresh in the isolated home.
+class StartupTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        App()->Shutdown();
+        TestSupport::ClearSettings();
+        m_dir = TestSupport::MakeTempDir();
+    }
+    void TearDown() override { App()->Shutdown(); }
+
+    static CMorvaneApp* App() { return CMorvaneApp::Instance(); }
+    static CMainFrame* Frame() { return CMorvaneApp::MainFrame(); }
+
+    QString Path(const QString& name) const { return QDir(m_dir).filePath(name); }
+    QString MakeFile(const QString& name, const QByteArray& bytes) const
+    {
+        const QString path = Path(name);
+        TestSupport::WriteFile(path, bytes);
+        return path;
+    }
+
+    static QList<CDocument*> Documents()
+    {
+        QList<CDocument*> documents;
+        for (CChildFrame* frame : Frame()->ChildFrames()) {
+            if (frame->GetDocument() && !documents.contains(frame->GetDocument()))
+                documents << frame->GetDocument();
+        }
+        return documents;
+    }
+
+    static QStringList Paths()
+    {
+        QStringList paths;
+        for (CDocument* document : Documents())
+            paths << document->GetPathName();
+        return paths;
+    }
+
+    QString m_dir;
+};
+
+TEST_F(StartupTest, NothingToOpenGivesExactlyOneUntitledDocument)
+{
+    ASSERT_TRUE(App()->InitInstance({}));
+    const auto documents = Documents();
+    ASSERT_EQ(documents.size(), 1);
+    EXPECT_NE(qobject_cast<CScrivelDoc*>(documents.first()), nullptr);
+    EXPECT_EQ(documents.first()->GetTitle(), QStringLiteral("Untitled1"));
+    EXPECT_EQ(Frame()->windowTitle(), QStringLiteral("Untitled1 - Morvane"));
+}
+
+TEST_F(StartupTest, CommandLineFilesOpenInTabsWithoutAnUntitledOne)
+{
+    const QString a = MakeFile(QStringLiteral("a.txt"), "alpha");
+    const QString b = MakeFile(QStringLiteral("b.cpp"), "int main() {}\n");
+    ASSERT_TRUE(App()->InitInstance({a, b}));
+    EXPECT_EQ(Paths(), QStringList({a, b}));
+    EXPECT_EQ(Frame()->windowTitle(), QStringLiteral("b.cpp - Morvane"));
+}
+
+TEST_F(StartupTest, PendingFilesOpenAndTheListIsDeletedEvenWhenOneFails)
+{
+    const QString a = MakeFile(QStringLiteral("a.txt"), "alpha");
+    const QString b = MakeFile(QStringLiteral("b.txt"), "beta");
+    CRegistryStore store;
+    store.WriteProfileString(QStringLiteral("FilesToOpen"), QStringLiteral("1"), a);
+    store.WriteProfileString(QStringLiteral("FilesToOpen"), QStringLiteral("2"), QStringLiteral(""));
+    store.WriteProfileString(QStringLiteral("FilesToOpen"), QStringLiteral("3"), m_dir); // a folder: can't be read
+    store.WriteProfileString(QStringLiteral("FilesToOpen"), QStringLiteral("4"), b);
+    TestSupport::ModalAnswerer answerer;
+    ASSERT_TRUE(App()->InitInstance({}));
+    QStringList paths = Paths();
+    paths.sort();
+    EXPECT_EQ(paths, QStringList({a, b})) << "no Untitled document besides the pending ones";
+    EXPECT_EQ(answerer.Texts().size(), 1) << "the unreadable entry says why";
+    EXPECT_FALSE(FileHandOff::HasPending());
+}
+
+TEST_F(StartupTest, HandOffThroughTheSocketOpensTheFiles)
+{
+    ASSERT_TRUE(App()->InitInstance({}));
+    const QString a = MakeFile(QStringLiteral("handed.txt"), "over");
+    CRegistryStore().WriteProfileString(QStringLiteral("FilesToOpen"), QStringLiteral("x"), a);
+    ASSERT_TRUE(FileHandOff::Notify());
+    QTRY_VERIFY_WITH_TIMEOUT(Paths().contains(a), 5000);
+    EXPECT_FALSE(FileHandOff::HasPending());
+}
+
+TEST_F(StartupTest, TheSamePathTwiceActivatesTheFirstDocument)
+{
+    const QString a = MakeFile(QStringLiteral("same.txt"), "one");
+    const QString b = MakeFile(QStringLiteral("other.txt"), "two");
+    ASSERT_TRUE(App()->InitInstance({a, b}));
+    ASSERT_EQ(Documents().size(), 2);
+    EXPECT_EQ(App()->OpenDocumentFile(m_dir + QStringLiteral("/./sub/../same.txt")), nullptr);
+    QFile::link(a, Path(QStringLiteral("link.txt")));
+    EXPECT_EQ(App()->OpenDocumentFile(Path(QStringLiteral("link.txt"))), nullptr);
+    EXPECT_EQ(Documents().size(), 2);
+    ASSERT_NE(Frame()->ActiveChild(), nullptr);
+    EXPECT_EQ(Frame()->ActiveChild()->GetDocument()->GetPathName(), a);
+}
+
+struct RouteCase
+{
+    const char* name;
+    QByteArray bytes;
+    int mode;        // the open mode asked for
+    bool expectHex;
+};
+
+std::ostream& operator<<(std::ostream& out, const RouteCase& c)
+{
+    return out << c.name;
+}
+
+class RouteTest : public StartupTest, public ::testing::WithParamInterface<RouteCase>
+{
+};
+
+TEST_P(RouteTest, DecidesBetweenTextAndHex)
+{
+    const RouteCase& c = GetParam();
+    ASSERT_TRUE(App()->InitInstance({}));
+    const QString path = MakeFile(QStringLiteral("probe.dat"), c.bytes);
+    App()->GetOpenOptions() = OpenOptions();
+    App()->SetOpenMode(c.mode);
+    CDocument* document = App()->RouteOpenFile(path);
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(qobject_cast<CHexDocument*>(document) != nullptr, c.expectHex);
+    EXPECT_EQ(qobject_cast<CScrivelDoc*>(document) != nullptr, !c.expectHex);
+    EXPECT_EQ(App()->LastRouteMode(), c.expectHex ? 1 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, RouteTest, ::testing::Values(
+    RouteCase{"ansi_text", QByteArray("plain text\n"), OpenOptions::Detect, false},
+    RouteCase{"zero_byte_detected", QByteArray("ab\0cd", 5), OpenOptions::Detect, true},
+    RouteCase{"zero_byte_forced_text", QByteArray("ab\0cd", 5), OpenOptions::Text, false},
+    RouteCase{"text_forced_hex", QByteArray("plain text\n"), OpenOptions::Hex, true},
+    RouteCase{"utf16_unmarked_is_text", QByteArray("a\0b\0c\0", 6), OpenOptions::Detect, false},
+    RouteCase{"marked_utf8_with_zero_is_text", QByteArray("\xEF\xBB\xBF" "a\0b", 6), OpenOptions::Detect, false},
+    RouteCase{"empty_file_is_text", QByteArray(), OpenOptions::Detect, false}));
+
+TEST_F(StartupTest, ForcedEncodingIsNotReplacedByTheProbe)
+{
+    ASSERT_TRUE(App()->InitInstance({}));
+    const QString path = MakeFile(QStringLiteral("wide.txt"), QByteArray("\xFF\xFE" "a\0", 4));
+    App()->GetOpenOptions() = OpenOptions();
+    App()->GetOpenOptions().encoding = 3;
+    auto* document = qobject_cast<CScrivelDoc*>(App()->RouteOpenFile(path));
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(document->Encoding, 3);
+    EXPECT_EQ(document->GetEditor()->GetText(), QByteArray("\xFF\xFE" "a\0", 4));
+}
+
+TEST_F(StartupTest, ANameThatIsNotThereYetIsCreatedOnTheFirstSave)
+{
+    const QString path = Path(QStringLiteral("new-notes.txt"));
+    ASSERT_TRUE(App()->InitInstance({path}));
+    ASSERT_EQ(Documents().size(), 1);
+    auto* document = qobject_cast<CScrivelDoc*>(Documents().first());
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(document->GetTitle(), QStringLiteral("new-notes.txt"));
+    document->GetEditor()->AddText("first words\n");
+    ASSERT_TRUE(document->DoFileSave());
+    EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("first words\n"));
+}
+
+TEST_F(StartupTest, OpenedFilesEnterTheRecentList)
+{
+    const QString a = MakeFile(QStringLiteral("recent.txt"), "r");
+    ASSERT_TRUE(App()->InitInstance({a}));
+    ASSERT_FALSE(App()->GetRecentFiles().Files().isEmpty());
+    EXPECT_EQ(QDir::fromNativeSeparators(App()->GetRecentFiles().Files().first()), a);
+    EXPECT_EQ(CRegistryStore().GetProfileString(QStringLiteral("Recent File List"), QStringLiteral("File1")),
+              QDir::toNativeSeparators(a));
+}
+
+TEST_F(StartupTest, ClosingWritesTheSettingsBeforeAskingAboutChanges)
+{
+    const QString a = MakeFile(QStringLiteral("dirty.txt"), "d");
+    ASSERT_TRUE(App()->InitInstance({a}));
+    auto* document = qobject_cast<CScrivelDoc*>(Documents().first());
+    document->GetEditor()->AddText("changed ");
+    {
+        TestSupport::ModalAnswerer cancel(QMessageBox::Cancel);
+        Frame()->close();
+        EXPECT_EQ(cancel.Texts(), QStringList({QStringLiteral("Save changes to dirty.txt?")}));
+    }
+    EXPECT_TRUE(Frame()->isVisible()) << "Cancel keeps the program running";
+    QSettings file(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Brackwyn"),
+                   QStringLiteral("Morvane"));
+    EXPECT_TRUE(file.contains(QStringLiteral("ViewSettings/WordWrap")));
+    EXPECT_TRUE(file.contains(QStringLiteral("Control Bar State/State")));
+    EXPECT_EQ(TestSupport::ReadFile(a), QByteArray("d"));
+
+    TestSupport::ModalAnswerer no(QMessageBox::No);
+    EXPECT_TRUE(Frame()->close());
+    EXPECT_EQ(TestSupport::ReadFile(a), QByteArray("d")) << "No leaves the file as it was";
+}
+
+} // namespace
