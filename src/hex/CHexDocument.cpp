@@ -1,6 +1,7 @@
 #include "CHexDocument.h"
 
 #include "app/CDocTemplate.h"
+#include "app/IStatusSink.h"
 #include "app/OpenOptions.h"
 
 #include <QApplication>
@@ -22,7 +23,8 @@ CHexDocument::~CHexDocument() = default;
 void CHexDocument::SetReadOnly(bool readOnly)
 {
     m_readOnly = readOnly;
-    SetTitle(m_strTitle);
+    if (!m_strTitle.isEmpty())
+        SetTitle(m_strTitle);
 }
 
 bool CHexDocument::OnNewDocument()
@@ -142,8 +144,17 @@ bool CHexDocument::DoSave(const QString& path, bool replace)
     // it is written elsewhere only by Save As.
     if (m_readOnly && !saveAs && replace)
         return true;
+    IProgressSink* sink = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
+    CPieceTable::Progress progress;
+    if (sink) {
+        sink->StartProgress(m_table.Size());
+        progress = [sink](qint64 written) { sink->SetProgress(written); };
+    }
     QString error;
-    if (!m_table.Save(target, replace || saveAs, &error)) {
+    const bool saved = m_table.Save(target, replace || saveAs, &error, progress);
+    if (sink)
+        sink->StopProgress();
+    if (!saved) {
         ShowMessage(QMessageBox::Warning,
                     tr("Failed to create a new file when saving the current document"));
         return false;

@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
+#include <QWheelEvent>
 #include <algorithm>
 #include <vector>
 
@@ -17,8 +18,6 @@ namespace {
 
 // Larger row counts are scaled onto this scroll bar range.
 constexpr int kScrollRange = 1 << 30;
-// Copying more than this to the clipboard would only exhaust memory.
-constexpr qint64 kMaxClipboard = qint64(256) << 20;
 const QString kRawMime = QStringLiteral("application/octet-stream");
 
 QChar Printable(uchar byte)
@@ -595,6 +594,21 @@ void CHexEditView::mouseMoveEvent(QMouseEvent* event)
     if (hit.offset >= m_anchor && m_document && hit.offset < m_document->Size())
         ++hit.offset;
     SetCaret(hit.offset, true);
+}
+
+void CHexEditView::wheelEvent(QWheelEvent* event)
+{
+    // Whole rows, whatever the scale of the scroll bar.
+    if (event->modifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) {
+        QAbstractScrollArea::wheelEvent(event);
+        return;
+    }
+    m_wheelRemainder += event->angleDelta().y();
+    const int steps = m_wheelRemainder / 40; // three rows a notch of 120
+    m_wheelRemainder -= steps * 40;
+    if (steps != 0)
+        SetTopRow(m_topRow - steps);
+    event->accept();
 }
 
 void CHexEditView::mouseReleaseEvent(QMouseEvent* event)

@@ -15,6 +15,8 @@ class CHexEditView : public QAbstractScrollArea
 public:
     enum Column { HexColumn, TextColumn };
     static constexpr int kBytesPerRow = 16;
+    // Larger selections are not copied: the clipboard holds everything in memory.
+    static constexpr qint64 kMaxClipboard = qint64(256) << 20;
 
     explicit CHexEditView(CHexDocument* document, QWidget* parent = nullptr);
     ~CHexEditView() override;
@@ -65,6 +67,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
@@ -105,6 +108,7 @@ private:
     qint64 m_topRow = 0;
     bool m_dragging = false;
     bool m_syncingScrollBar = false;
+    int m_wheelRemainder = 0;
 
     int m_charWidth = 8;
     int m_lineHeight = 16;

@@ -69,10 +69,16 @@ bool CHexFrame::OnCmdMsg(int id)
         m_view->Redo();
         return true;
     case Cmd::EditCut:
-        m_view->Cut();
-        return true;
     case Cmd::EditCopy:
-        m_view->Copy();
+        if (m_view->SelectionLength() > CHexEditView::kMaxClipboard) {
+            ShowMessage(QMessageBox::Warning,
+                        tr("The selection is too large for the clipboard (at most %1 MB).")
+                            .arg(CHexEditView::kMaxClipboard >> 20));
+        } else if (id == Cmd::EditCut) {
+            m_view->Cut();
+        } else {
+            m_view->Copy();
+        }
         return true;
     case Cmd::EditPaste:
         m_view->Paste();

@@ -375,8 +375,14 @@ bool WriteAllFd(int fd, const uchar* data, qint64 length)
 
 } // namespace
 
-bool CPieceTable::WriteTo(int fd, QSaveFile& out) const
+bool CPieceTable::WriteTo(int fd, QSaveFile& out, const Progress& progress) const
 {
+    qint64 written = 0;
+    auto report = [&](qint64 n) {
+        written += n;
+        if (progress)
+            progress(written);
+    };
     auto write = [&](const uchar* data, qint64 length) {
 #ifdef Q_OS_UNIX
         Q_UNUSED(out);
@@ -392,6 +398,7 @@ bool CPieceTable::WriteTo(int fd, QSaveFile& out) const
         if (p.added) {
             if (!write(m_added.data() + p.source, p.length))
                 return false;
+            report(p.length);
             continue;
         }
         if (!m_source->IsIntact())
@@ -411,8 +418,10 @@ bool CPieceTable::WriteTo(int fd, QSaveFile& out) const
                 kernelCopy = false; // fall back to copying through memory
             else if (n <= 0)
                 return false; // a read error, or the file has shrunk
-            else
+            else {
                 done += n;
+                report(n);
+            }
         }
 #endif
         while (done < p.length) {
@@ -427,12 +436,13 @@ bool CPieceTable::WriteTo(int fd, QSaveFile& out) const
             if (!write(data, n))
                 return false;
             done += n;
+            report(n);
         }
     }
     return true;
 }
 
-bool CPieceTable::Save(const QString& path, bool adopt, QString* error)
+bool CPieceTable::Save(const QString& path, bool adopt, QString* error, const Progress& progress)
 {
     const QFileInfo target(path);
     const bool sameFile = m_source->IsOpen()
@@ -460,7 +470,7 @@ bool CPieceTable::Save(const QString& path, bool adopt, QString* error)
             *error = out.errorString();
         return false;
     }
-    if (!WriteTo(out.handle(), out)) {
+    if (!WriteTo(out.handle(), out, progress)) {
         if (error)
             *error = out.errorString().isEmpty() || out.error() == QFileDevice::NoError
                 ? Tr("The file could not be written.")

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -61,7 +62,9 @@ public:
     // a failure leaves the old file as it was. With `adopt` (or when `path` is the file
     // we read from) the table then reads from the new file and its history is emptied;
     // otherwise only the save point moves.
-    bool Save(const QString& path, bool adopt, QString* error);
+    // `progress`, when set, hears the number of bytes written now and then.
+    using Progress = std::function<void(qint64 written)>;
+    bool Save(const QString& path, bool adopt, QString* error, const Progress& progress = {});
 
     int PieceCount() const { return int(m_pieces.size()); }
 
@@ -92,7 +95,7 @@ private:
     // A contiguous run ending at `end`.
     const uchar* SpanBefore(qint64 end, qint64 maximum, qint64* length,
                             std::vector<uchar>& scratch) const;
-    bool WriteTo(int fd, class QSaveFile& out) const;
+    bool WriteTo(int fd, class QSaveFile& out, const Progress& progress) const;
 
     std::unique_ptr<CHexFileSource> m_source;
     std::vector<uchar> m_added;

@@ -1,6 +1,7 @@
 #include "app/CDocTemplate.h"
 #include "app/CRegistryStore.h"
 #include "app/CommandIds.h"
+#include "app/IStatusSink.h"
 #include "app/OpenOptions.h"
 #include "hex/CHexDocument.h"
 #include "hex/CHexEditView.h"
@@ -317,6 +318,34 @@ TEST(HexTemplate, OpensDocumentsInFramesAndHonoursReadOnly)
     ASSERT_NE(untitled, nullptr);
     EXPECT_EQ(untitled->GetTitle(), QStringLiteral("Hex1"));
     EXPECT_EQ(docTemplate->GetDocuments().size(), 2);
+}
+
+// The status bar's progress during a save, through the template's sink.
+class RecordingSink : public IProgressSink
+{
+public:
+    void StartProgress(qint64 range) override { events.append(QStringLiteral("start %1").arg(range)); }
+    void SetProgress(qint64 done) override { last = done; }
+    void StopProgress() override { events.append(QStringLiteral("stop")); }
+    QStringList events;
+    qint64 last = -1;
+};
+
+TEST(HexTemplate, SaveReportsProgressToTheSink)
+{
+    std::unique_ptr<CDocTemplate> docTemplate(CreateHexTemplate(nullptr));
+    OpenOptions options;
+    docTemplate->SetOpenOptions(&options);
+    RecordingSink sink;
+    docTemplate->SetProgressSink(&sink);
+    const QString path = MakeFile(QByteArray(5000, 's'));
+    auto* document = qobject_cast<CHexDocument*>(docTemplate->OpenDocumentFile(path, false));
+    ASSERT_NE(document, nullptr);
+    ASSERT_TRUE(document->Insert(0, "12345"));
+    ASSERT_TRUE(document->DoFileSave());
+    EXPECT_EQ(sink.events, (QStringList{QStringLiteral("start 5005"), QStringLiteral("stop")}));
+    EXPECT_EQ(sink.last, 5005);
+    EXPECT_EQ(TestSupport::ReadFile(path).left(6), QByteArray("12345s"));
 }
 
 TEST(HexFindDialog, RemembersItsChoicesAndRefusesBadHex)

@@ -12,6 +12,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -267,6 +268,21 @@ TEST_F(HexEditViewTest, MouseClickPlacesTheCaretAndDragSelects)
     QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, byte40.center());
     EXPECT_EQ(view->SelectionStart(), 18);
     EXPECT_EQ(view->SelectionLength(), 23) << "both end bytes are selected";
+}
+
+TEST_F(HexEditViewTest, WheelScrollsThreeRowsANotch)
+{
+    Open(QByteArray(16 * 1000, 'w'));
+    QWheelEvent down(QPointF(10, 10), view->viewport()->mapToGlobal(QPointF(10, 10)), QPoint(),
+                     QPoint(0, -240), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view->viewport(), &down);
+    EXPECT_EQ(view->TopRow(), 6);
+    QWheelEvent up(QPointF(10, 10), view->viewport()->mapToGlobal(QPointF(10, 10)), QPoint(),
+                   QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view->viewport(), &up);
+    EXPECT_EQ(view->TopRow(), 3);
+    EXPECT_EQ(view->verticalScrollBar()->value(), 3);
+    EXPECT_EQ(view->CaretOffset(), 0) << "scrolling leaves the caret";
 }
 
 TEST_F(HexEditViewTest, PaintsWithoutTouchingBytesOffScreen)

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <random>
 
 #ifdef Q_OS_UNIX
@@ -75,6 +76,19 @@ TEST_F(SaveTest, SaveOverTheOriginalWritesEveryByte)
     EXPECT_EQ(TestSupport::ReadFile(path), expected.mid(4));
     EXPECT_EQ(QDir(dir).entryList(QDir::Files), QStringList{QStringLiteral("image.bin")})
         << "no temporary file may be left behind";
+}
+
+TEST_F(SaveTest, ProgressCountsUpToTheSize)
+{
+    EditBoth();
+    const qint64 size = table.Size();
+    QList<qint64> seen;
+    QString error;
+    ASSERT_TRUE(table.Save(path, true, &error, [&](qint64 written) { seen.append(written); }))
+        << error.toStdString();
+    ASSERT_FALSE(seen.isEmpty());
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+    EXPECT_EQ(seen.last(), size);
 }
 
 TEST_F(SaveTest, SaveAsCopyKeepsHistoryAndOriginal)
