@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>
@@ -138,20 +139,45 @@ TEST_F(SaveTest, FailureLeavesTheOldFileAndTheEditsAlone)
 }
 
 #ifdef Q_OS_UNIX
-// In a folder we may not write to, the file we read from is never rewritten in place.
-TEST_F(SaveTest, ReadOnlyFolderRefusesInsteadOfWritingInPlace)
+// Locks a folder against new entries: by its mode, or for root (whom modes do not
+// stop) by the immutable attribute. False when neither is possible here.
+bool LockFolder(const QString& dir, bool lock)
 {
-    if (::geteuid() == 0)
-        GTEST_SKIP() << "root writes everywhere";
-    EditBoth();
-    QFile::setPermissions(dir, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    if (::geteuid() != 0) {
+        return QFile::setPermissions(dir, QFileDevice::ReadOwner | QFileDevice::ExeOwner
+                                              | (lock ? QFileDevice::Permissions()
+                                                      : QFileDevice::WriteOwner));
+    }
+    QProcess chattr;
+    chattr.start(QStringLiteral("chattr"), {lock ? QStringLiteral("+i") : QStringLiteral("-i"), dir});
+    return chattr.waitForFinished() && chattr.exitStatus() == QProcess::NormalExit
+        && chattr.exitCode() == 0;
+}
+
+// In a folder where no file can be made beside it, the file we read from is never
+// rewritten in place (we would be reading the bytes we overwrite); another file is.
+TEST_F(SaveTest, LockedFolderRefusesInsteadOfWritingOverTheSource)
+{
+    const QString other = QDir(dir).filePath(QStringLiteral("other.bin"));
+    TestSupport::WriteFile(other, "old");
+    const QByteArray expected = EditBoth();
+    if (!LockFolder(dir, true))
+        GTEST_SKIP() << "cannot lock a folder here";
     QString error;
     const bool saved = table.Save(path, true, &error);
-    QFile::setPermissions(dir, QFileDevice::ReadOwner | QFileDevice::WriteOwner
-                                   | QFileDevice::ExeOwner);
+    const bool savedOther = table.Save(other, false, &error);
+    LockFolder(dir, false);
     EXPECT_FALSE(saved);
     EXPECT_EQ(TestSupport::ReadFile(path), original);
-    EXPECT_TRUE(table.IsModified());
+    // Writing in place is Qt's fallback for a folder we lack permission for; the
+    // immutable attribute is a different refusal that it does not fall back from.
+    if (::geteuid() != 0) {
+        EXPECT_TRUE(savedOther) << error.toStdString();
+        EXPECT_EQ(TestSupport::ReadFile(other), expected);
+    } else {
+        EXPECT_FALSE(savedOther);
+        EXPECT_EQ(TestSupport::ReadFile(other), QByteArray("old"));
+    }
 }
 
 // A write that fails halfway (the disk full, a quota) leaves no trace: the file size
