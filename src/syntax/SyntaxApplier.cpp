@@ -1,6 +1,7 @@
 #include "SyntaxApplier.h"
 
 #include "CSyntaxParser.h"
+#include "CSyntaxParserList.h"
 #include "app/ViewSettings.h"
 
 #include <Qsci/qsciscintillabase.h>
@@ -53,6 +54,15 @@ void Apply(QsciScintillaBase& control, const CSyntaxParser& parser, const ViewSe
     // Every set is sent, the empty ones too, so that nothing of an earlier parser stays.
     for (int i = 0; i < CSyntaxParser::MaxKeywordSets; ++i)
         SendText(control, Sci::SCI_SETKEYWORDS, uintptr_t(i), parser.keywords[size_t(i)]);
+}
+
+int ApplyForExtension(QsciScintillaBase& control, const CSyntaxParserList& parsers, const QString& extension,
+                      const ViewSettings& settings)
+{
+    const int index = parsers.FindByExtension(extension);
+    if (index >= 0)
+        Apply(control, parsers.GetParser(index), settings);
+    return index;
 }
 
 } // namespace SyntaxApplier

@@ -1,5 +1,7 @@
+#include "SyntaxTestFiles.h"
+#include "TestSupport.h"
 #include "app/ViewSettings.h"
-#include "syntax/CSyntaxParser.h"
+#include "syntax/CSyntaxParserList.h"
 #include "syntax/SyntaxApplier.h"
 
 #include <Qsci/qsciscintillabase.h>
@@ -143,6 +145,23 @@ TEST(SyntaxApplier, TheStandByRecordAppliesCleanly)
     SyntaxApplier::Apply(control, CSyntaxParser::StandBy(), ViewSettings());
     EXPECT_EQ(Send(control, Sci::SCI_STYLEGETFORE, 0), 0x000000);
     EXPECT_EQ(Send(control, Sci::SCI_STYLEGETBACK, 0), 0xFFFFFF);
+}
+
+TEST(SyntaxApplier, ApplyForExtensionAppliesTheFirstMatchOnly)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    SyntaxTestFiles::Write(folder, QStringLiteral("a.config"), SyntaxTestFiles::Simple("C", ".c;.h", "cpp"));
+    SyntaxTestFiles::Write(folder, QStringLiteral("b.config"), SyntaxTestFiles::Simple("Py", ".py;.H", "python"));
+    CSyntaxParserList list(folder);
+    list.Load();
+    Sci control;
+    EXPECT_EQ(SyntaxApplier::ApplyForExtension(control, list, QStringLiteral(".H"), ViewSettings()), 0);
+    EXPECT_EQ(LexerName(control), QByteArray("cpp"));
+    EXPECT_EQ(SyntaxApplier::ApplyForExtension(control, list, QStringLiteral(".PY"), ViewSettings()), 1);
+    EXPECT_EQ(LexerName(control), QByteArray("python"));
+    // No match: the control keeps what it had.
+    EXPECT_EQ(SyntaxApplier::ApplyForExtension(control, list, QStringLiteral(".rs"), ViewSettings()), -1);
+    EXPECT_EQ(LexerName(control), QByteArray("python"));
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 using SyntaxTestFiles::Colour;
 using SyntaxTestFiles::Definition;
 using SyntaxTestFiles::Read;
+using SyntaxTestFiles::Simple;
 
 namespace {
 
@@ -288,6 +289,15 @@ TEST(SyntaxFileReader, MissingFileIsRefused)
 {
     CSyntaxParser parser;
     EXPECT_FALSE(CSyntaxParser::ReadFile(QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("gone.config")), parser));
+}
+
+TEST(SyntaxFileReader, HugeFilesAreRefused)
+{
+    QByteArray bytes = Simple("Huge", ".huge");
+    bytes.insert(bytes.indexOf("<SYNTAX>"), QByteArray(17 * 1024 * 1024, ' '));
+    bool ok = true;
+    Read(bytes, &ok);
+    EXPECT_FALSE(ok);
 }
 
 TEST(SyntaxFileReader, ExternalEntitiesAreNeverResolved)
