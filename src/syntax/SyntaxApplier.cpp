@@ -56,6 +56,12 @@ void Apply(QsciScintillaBase& control, const CSyntaxParser& parser, const ViewSe
         SendText(control, Sci::SCI_SETKEYWORDS, uintptr_t(i), parser.keywords[size_t(i)]);
 }
 
+void Apply(QsciScintillaBase* control, const CSyntaxParser& parser, const ViewSettings& settings)
+{
+    if (control)
+        Apply(*control, parser, settings);
+}
+
 int ApplyForExtension(QsciScintillaBase& control, const CSyntaxParserList& parsers, const QString& extension,
                       const ViewSettings& settings)
 {

@@ -12,6 +12,8 @@ struct ViewSettings;
 namespace SyntaxApplier {
 
 void Apply(QsciScintillaBase& control, const CSyntaxParser& parser, const ViewSettings& settings);
+// The same for a control that may not exist (yet); a null control is left alone.
+void Apply(QsciScintillaBase* control, const CSyntaxParser& parser, const ViewSettings& settings);
 
 // Applies the first parser of `parsers` whose extensions hold `extension` (with its dot;
 // ".*" for a new document) and returns its index. Returns -1 and leaves the control as

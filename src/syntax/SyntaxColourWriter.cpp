@@ -212,8 +212,10 @@ bool Write(const CSyntaxParser& parser)
     QByteArray output;
     if (!Encode(text, edited, output))
         return false;
-    // Written beside the old file and renamed over it, so a failed write leaves it whole.
+    // Written beside the old file and renamed over it, so a failed write leaves it whole;
+    // directly only where the folder takes no new file.
     QSaveFile file(parser.filePath);
+    file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
         return false;
     if (file.write(output) != output.size()) {

@@ -139,6 +139,14 @@ TEST(SyntaxApplier, AnUnknownOrEmptyLexerLeavesTheControlPlain)
     }
 }
 
+TEST(SyntaxApplier, ANullControlIsLeftAlone)
+{
+    SyntaxApplier::Apply(static_cast<Sci*>(nullptr), CLike(), ViewSettings());
+    Sci control;
+    SyntaxApplier::Apply(&control, CLike(), ViewSettings());
+    EXPECT_EQ(LexerName(control), QByteArray("cpp"));
+}
+
 TEST(SyntaxApplier, TheStandByRecordAppliesCleanly)
 {
     Sci control;
