@@ -4,24 +4,25 @@
 
 namespace {
 
-void AppendUtf8(std::string& out, char32_t cp)
+char* AppendUtf8(char* out, char32_t cp)
 {
     if (cp < 0x80) {
-        out += char(cp);
+        *out++ = char(cp);
     } else if (cp < 0x800) {
-        out += char(0xC0 | (cp >> 6));
-        out += char(0x80 | (cp & 0x3F));
+        *out++ = char(0xC0 | (cp >> 6));
+        *out++ = char(0x80 | (cp & 0x3F));
     } else if (cp < 0x10000) {
         // Lone surrogates take this form too, so that they survive a round trip.
-        out += char(0xE0 | (cp >> 12));
-        out += char(0x80 | ((cp >> 6) & 0x3F));
-        out += char(0x80 | (cp & 0x3F));
+        *out++ = char(0xE0 | (cp >> 12));
+        *out++ = char(0x80 | ((cp >> 6) & 0x3F));
+        *out++ = char(0x80 | (cp & 0x3F));
     } else {
-        out += char(0xF0 | (cp >> 18));
-        out += char(0x80 | ((cp >> 12) & 0x3F));
-        out += char(0x80 | ((cp >> 6) & 0x3F));
-        out += char(0x80 | (cp & 0x3F));
+        *out++ = char(0xF0 | (cp >> 18));
+        *out++ = char(0x80 | ((cp >> 12) & 0x3F));
+        *out++ = char(0x80 | ((cp >> 6) & 0x3F));
+        *out++ = char(0x80 | (cp & 0x3F));
     }
+    return out;
 }
 
 } // namespace
@@ -51,9 +52,18 @@ EncodingReader::EncodingReader(int encoding, int bomLength)
     }
 }
 
+void EncodingReader::Reserve(std::size_t bytes)
+{
+    if (bytes > m_capacity) {
+        m_capacity = bytes;
+        m_buffer = std::make_unique_for_overwrite<char[]>(m_capacity);
+    }
+    m_end = m_buffer.get();
+}
+
 void EncodingReader::Emit(char32_t cp)
 {
-    AppendUtf8(m_out, cp);
+    m_end = AppendUtf8(m_end, cp);
 }
 
 void EncodingReader::EmitUnit16(char16_t unit)
@@ -85,8 +95,8 @@ std::string_view EncodingReader::Feed(const char* data, std::size_t length)
     if (m_form == Form::Bytes)
         return std::string_view(data, length);
 
-    m_out.clear();
-    m_out.reserve(length + length / 2 + 8);
+    // Every unit gives at most three bytes per two, a pending surrogate three more.
+    Reserve(length + length / 2 + 16);
     const auto* bytes = reinterpret_cast<const unsigned char*>(data);
     const std::size_t unitSize = (m_form == Form::Utf16LE || m_form == Form::Utf16BE) ? 2 : 4;
     std::size_t i = 0;
@@ -120,21 +130,33 @@ std::string_view EncodingReader::Feed(const char* data, std::size_t length)
             m_carryLength = 0;
         }
     }
+    if (m_form == Form::Utf16LE || m_form == Form::Utf16BE) {
+        const int hi = m_form == Form::Utf16LE ? 1 : 0;
+        for (; i + 2 <= length; i += 2) {
+            const unsigned char high = bytes[i + hi];
+            const unsigned char low = bytes[i + 1 - hi];
+            // Plain ASCII is most of most text.
+            if (high == 0 && low < 0x80 && !m_highSurrogate)
+                *m_end++ = char(low);
+            else
+                EmitUnit16(char16_t((high << 8) | low));
+        }
+    }
     for (; i + unitSize <= length; i += unitSize)
         decode(bytes + i);
     for (; i < length; ++i)
         m_carry[m_carryLength++] = bytes[i];
-    return m_out;
+    return std::string_view(m_buffer.get(), std::size_t(m_end - m_buffer.get()));
 }
 
 std::string_view EncodingReader::Finish()
 {
-    m_out.clear();
+    Reserve(16);
     if (m_highSurrogate) {
         Emit(m_highSurrogate);
         m_highSurrogate = 0;
     }
     m_lost += m_carryLength;
     m_carryLength = 0;
-    return m_out;
+    return std::string_view(m_buffer.get(), std::size_t(m_end - m_buffer.get()));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -25,10 +26,14 @@ private:
     enum class Form { Bytes, Utf16LE, Utf16BE, Utf32LE, Utf32BE };
     void Emit(char32_t cp);
     void EmitUnit16(char16_t unit);
+    void Reserve(std::size_t bytes);
 
     Form m_form;
     std::size_t m_skip;
-    std::string m_out;
+    // Output buffer, reused between pieces; m_end is where the next byte goes.
+    std::unique_ptr<char[]> m_buffer;
+    std::size_t m_capacity = 0;
+    char* m_end = nullptr;
     unsigned char m_carry[4] = {};
     std::size_t m_carryLength = 0;
     char16_t m_highSurrogate = 0;

@@ -2,6 +2,8 @@
 
 #include "TextEncoding.h"
 
+#include <cstring>
+
 EncodingWriter::EncodingWriter(int encoding, bool writeMark)
 {
     switch (encoding) {
@@ -23,14 +25,29 @@ EncodingWriter::EncodingWriter(int encoding, bool writeMark)
     }
 }
 
+void EncodingWriter::Reserve(std::size_t bytes)
+{
+    if (bytes > m_capacity) {
+        m_capacity = bytes;
+        m_buffer = std::make_unique_for_overwrite<char[]>(m_capacity);
+    }
+    m_end = m_buffer.get();
+    // The mark goes before the first bytes of text.
+    if (!m_mark.empty()) {
+        std::memcpy(m_end, m_mark.data(), m_mark.size());
+        m_end += m_mark.size();
+        m_mark.clear();
+    }
+}
+
 void EncodingWriter::PutUnit16(char16_t unit)
 {
     if (m_form == Form::Utf16LE) {
-        m_out += char(unit & 0xFF);
-        m_out += char(unit >> 8);
+        *m_end++ = char(unit & 0xFF);
+        *m_end++ = char(unit >> 8);
     } else {
-        m_out += char(unit >> 8);
-        m_out += char(unit & 0xFF);
+        *m_end++ = char(unit >> 8);
+        *m_end++ = char(unit & 0xFF);
     }
 }
 
@@ -49,11 +66,11 @@ void EncodingWriter::Put(char32_t cp)
         break;
     case Form::Utf32LE:
         for (int shift = 0; shift < 32; shift += 8)
-            m_out += char((cp >> shift) & 0xFF);
+            *m_end++ = char((cp >> shift) & 0xFF);
         break;
     case Form::Utf32BE:
         for (int shift = 24; shift >= 0; shift -= 8)
-            m_out += char((cp >> shift) & 0xFF);
+            *m_end++ = char((cp >> shift) & 0xFF);
         break;
     case Form::Bytes:
         break;
@@ -91,19 +108,19 @@ std::size_t EncodingWriter::DecodeOne(const unsigned char* s, std::size_t availa
 
 std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
 {
-    m_out.clear();
-    if (!m_mark.empty()) {
-        m_out = m_mark;
-        m_mark.clear();
-    }
     if (m_form == Form::Bytes) {
-        if (m_out.empty())
+        if (m_mark.empty())
             return std::string_view(data, length);
-        m_out.append(data, length);
-        return m_out;
+        Reserve(m_mark.size() + length);
+        std::memcpy(m_end, data, length);
+        m_end += length;
+        return Output();
     }
 
-    m_out.reserve(m_out.size() + (m_form == Form::Utf32LE || m_form == Form::Utf32BE ? 4 : 2) * (length + m_carry.size()));
+    // A UTF-8 byte gives at most one 16-bit unit (a four-byte sequence gives two units
+    // for four bytes) or one 32-bit unit per byte; carried bytes and the mark on top.
+    const std::size_t unitSize = (m_form == Form::Utf32LE || m_form == Form::Utf32BE) ? 4 : 2;
+    Reserve(unitSize * (length + m_carry.size() + 4) + 8);
     std::size_t i = 0;
     if (!m_carry.empty()) {
         // Finish the sequence begun at the end of the last piece: no sequence is longer
@@ -119,16 +136,25 @@ std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
             const std::size_t used = DecodeOne(h + pos, head.size() - pos, false);
             if (used == 0) {
                 m_carry = head.substr(pos);
-                return m_out;
+                return Output();
             }
             pos += used;
         }
         i = pos - carried;
     }
     const auto* bytes = reinterpret_cast<const unsigned char*>(data);
+    const bool little = m_form == Form::Utf16LE;
+    const bool wide16 = m_form == Form::Utf16LE || m_form == Form::Utf16BE;
     while (i < length) {
         if (bytes[i] < 0x80) {
-            Put(bytes[i++]);
+            // Plain ASCII is most of most text.
+            if (wide16) {
+                *m_end++ = char(little ? bytes[i] : 0);
+                *m_end++ = char(little ? 0 : bytes[i]);
+                ++i;
+            } else {
+                Put(bytes[i++]);
+            }
             continue;
         }
         const std::size_t used = DecodeOne(bytes + i, length - i, false);
@@ -138,21 +164,17 @@ std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
         }
         i += used;
     }
-    return m_out;
+    return Output();
 }
 
 std::string_view EncodingWriter::Finish()
 {
-    m_out.clear();
-    if (!m_mark.empty()) {
-        m_out = m_mark;
-        m_mark.clear();
-    }
+    Reserve(4 * (m_carry.size() + 1) + 8);
     const std::string rest = std::move(m_carry);
     m_carry.clear();
     std::size_t i = 0;
     const auto* bytes = reinterpret_cast<const unsigned char*>(rest.data());
     while (i < rest.size())
         i += DecodeOne(bytes + i, rest.size() - i, true);
-    return m_out;
+    return Output();
 }

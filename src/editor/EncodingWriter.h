@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,12 @@ private:
 
     Form m_form;
     std::string m_mark;
-    std::string m_out;
+    void Reserve(std::size_t bytes);
+    std::string_view Output() const { return {m_buffer.get(), std::size_t(m_end - m_buffer.get())}; }
+
+    // Output buffer, reused between pieces; m_end is where the next byte goes.
+    std::unique_ptr<char[]> m_buffer;
+    std::size_t m_capacity = 0;
+    char* m_end = nullptr;
     std::string m_carry;
 };

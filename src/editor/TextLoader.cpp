@@ -10,6 +10,10 @@
 
 namespace {
 
+// Pieces of a few megabytes keep calls into the control few while the buffer stays
+// small beside the text.
+constexpr qint64 kWindow = 4 * 1024 * 1024;
+
 // Restores the control's notification mask and undo collection however the load ends.
 class QuietLoad
 {
@@ -53,16 +57,15 @@ TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, 
     {
         QuietLoad quiet(editor);
         editor.SetCodePage(TextEncoding::HeldAsUtf8(encoding) ? int(CMFCScintilla::SC_CP_UTF8) : 0);
-        // 16-bit text grows by up to half again when it becomes UTF-8.
-        const bool wide = encoding != TextEncoding::Ansi && encoding != TextEncoding::Utf8
-            && encoding != TextEncoding::Auto;
-        editor.Allocate(static_cast<long>((wide ? size + size / 2 : size) + 1000));
+        // The file's size is a fair guess for decoded text too: 16-bit text shrinks when
+        // it is mostly ASCII and grows when it isn't; the control grows as needed.
+        editor.Allocate(static_cast<long>(size + 1000));
         editor.ClearAll();
 
-        std::vector<char> buffer(static_cast<std::size_t>(TextFile::ChunkSize) + 1);
+        std::vector<char> buffer(static_cast<std::size_t>(kWindow) + 1);
         qint64 done = 0;
         for (;;) {
-            const qint64 n = file.ReadChunk(buffer.data(), TextFile::ChunkSize);
+            const qint64 n = file.ReadChunk(buffer.data(), kWindow);
             if (n <= 0)
                 break;
             const std::string_view text = reader.Feed(buffer.data(), static_cast<std::size_t>(n));
