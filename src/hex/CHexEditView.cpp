@@ -92,6 +92,13 @@ int CHexEditView::ContentWidth() const
     return TextX(kBytesPerRow) + m_charWidth;
 }
 
+QSize CHexEditView::sizeHint() const
+{
+    const int frame = 2 * frameWidth();
+    return QSize(ContentWidth() + verticalScrollBar()->sizeHint().width() + frame,
+                 m_lineHeight * 24 + frame);
+}
+
 qint64 CHexEditView::RowCount() const
 {
     // One more cell than bytes: the caret may stand behind the last byte.

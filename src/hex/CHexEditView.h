@@ -48,6 +48,8 @@ public:
     qint64 TopRow() const { return m_topRow; }
     int VisibleRows() const;
 
+    QSize sizeHint() const override;
+
     bool CanPaste() const;
     bool Undo();
     bool Redo();

@@ -20,8 +20,11 @@ CHexFrame::CHexFrame(CHexDocument* document, QWidget* parent)
     m_inspector = new CHexInspectorPanel(splitter);
     splitter->addWidget(m_view);
     splitter->addWidget(m_inspector);
-    splitter->setStretchFactor(0, 3);
+    // The view's rows have a fixed width; room beyond it goes to the inspector.
+    splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
+    splitter->setCollapsible(0, false);
+    splitter->setSizes({m_view->sizeHint().width(), 420});
     setWidget(splitter);
     setFocusProxy(m_view);
     connect(m_view, &CHexEditView::caretChanged, this, &CHexFrame::UpdateStatus);

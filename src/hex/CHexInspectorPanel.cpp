@@ -20,7 +20,11 @@ CHexInspectorPanel::CHexInspectorPanel(QWidget* parent)
     m_table->verticalHeader()->hide();
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->horizontalHeader()->setStretchLastSection(true);
+    m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    m_table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
+    m_table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_table->setWordWrap(false);
     const auto rows = ByteInspector::Inspect(nullptr, 0);
     m_table->setRowCount(int(rows.size()));
     for (int r = 0; r < rows.size(); ++r) {
