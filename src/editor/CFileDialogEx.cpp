@@ -136,7 +136,10 @@ void CFileDialogEx::OnTypeChange(const QString& filter)
 QString CFileDialogEx::ExtensionOfFilter(const QString& filter)
 {
     const qsizetype dot = filter.lastIndexOf(QLatin1Char('.'));
-    QString rest = dot >= 0 ? filter.mid(dot) : filter;
+    // A filter that names no extension ("All Files (*)") gives none.
+    if (dot < 0)
+        return QString();
+    QString rest = filter.mid(dot);
     rest.remove(QLatin1Char(')'));
     rest.remove(QLatin1Char('('));
     rest.remove(QLatin1Char('.'));
