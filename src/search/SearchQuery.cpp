@@ -1,6 +1,8 @@
 #include "SearchQuery.h"
 
 #include <QCoreApplication>
+#include <QStringList>
+#include <algorithm>
 
 namespace {
 
@@ -48,8 +50,50 @@ SearchQuery::SearchQuery(const QString& text, bool matchCase, bool matchWord, bo
                       .arg(expression.patternErrorOffset());
         return;
     }
-    m_required = RequiredText(m_pattern, matchCase);
+    m_required = RequiredTexts(m_pattern, matchCase);
     m_requiredCaseSensitive = matchCase;
+}
+
+std::vector<std::string> SearchQuery::RequiredTexts(const QString& pattern, bool caseSensitive)
+{
+    // Split at the "|" that stand outside groups and classes.
+    QStringList branches;
+    qsizetype begin = 0;
+    int depth = 0;
+    const qsizetype n = pattern.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const QChar c = pattern[i];
+        if (c == QLatin1Char('\\')) {
+            ++i;
+        } else if (c == QLatin1Char('[')) {
+            qsizetype j = i + 1;
+            if (j < n && pattern[j] == QLatin1Char('^'))
+                ++j;
+            if (j < n && pattern[j] == QLatin1Char(']'))
+                ++j;
+            while (j < n && pattern[j] != QLatin1Char(']'))
+                j += pattern[j] == QLatin1Char('\\') ? 2 : 1;
+            i = j;
+        } else if (c == QLatin1Char('(')) {
+            ++depth;
+        } else if (c == QLatin1Char(')')) {
+            --depth;
+        } else if (c == QLatin1Char('|') && depth == 0) {
+            branches.append(pattern.mid(begin, i - begin));
+            begin = i + 1;
+        }
+    }
+    branches.append(pattern.mid(begin));
+
+    std::vector<std::string> pieces;
+    for (const QString& branch : branches) {
+        std::string piece = RequiredText(branch, caseSensitive);
+        if (piece.empty())
+            return {};
+        if (std::find(pieces.begin(), pieces.end(), piece) == pieces.end())
+            pieces.push_back(std::move(piece));
+    }
+    return pieces;
 }
 
 std::string SearchQuery::RequiredText(const QString& pattern, bool caseSensitive)

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 #include <QString>
 #include <string>
+#include <vector>
 
 // The find text and options of a search, checked and prepared once for all threads.
 // A plain text is searched as bytes. A regular expression, or a plain text that needs
@@ -25,17 +26,20 @@ public:
     const std::string& Literal() const { return m_literal; }
     bool LiteralCaseSensitive() const { return m_literalCaseSensitive; }
 
-    // Expression search: pattern and options for QRegularExpression, and the text every
-    // match holds (empty when none could be proven).
+    // Expression search: pattern and options for QRegularExpression, and pieces of text
+    // of which every match holds at least one (none when that could not be proven).
     const QString& Pattern() const { return m_pattern; }
     QRegularExpression::PatternOptions PatternOptions() const { return m_patternOptions; }
-    const std::string& RequiredLiteral() const { return m_required; }
+    const std::vector<std::string>& RequiredLiterals() const { return m_required; }
     bool RequiredCaseSensitive() const { return m_requiredCaseSensitive; }
 
     // The longest piece of plain text that every match of `pattern` must contain, or an
     // empty string when the pattern is too involved to tell. Letters other than ASCII are
     // left out when case is ignored, since their case folding is not a byte mapping.
     static std::string RequiredText(const QString& pattern, bool caseSensitive);
+    // The same for a pattern of alternatives "a|b|c": one piece per alternative, or none
+    // when any alternative has none.
+    static std::vector<std::string> RequiredTexts(const QString& pattern, bool caseSensitive);
 
 private:
     QString m_error;
@@ -45,6 +49,6 @@ private:
     bool m_literalCaseSensitive = true;
     QString m_pattern;
     QRegularExpression::PatternOptions m_patternOptions;
-    std::string m_required;
+    std::vector<std::string> m_required;
     bool m_requiredCaseSensitive = true;
 };

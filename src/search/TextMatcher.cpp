@@ -5,6 +5,10 @@
 
 namespace {
 
+// Our subjects come from fromUtf8 or fromLatin1 and are valid UTF-16, so the check that
+// would otherwise run over the whole subject at every call is skipped.
+constexpr auto Unchecked = QRegularExpression::DontCheckSubjectStringMatchOption;
+
 enum class CharClass { Word, Space, Punctuation };
 
 inline CharClass ClassOf(unsigned char c)
@@ -106,8 +110,8 @@ TextMatcher::TextMatcher(const SearchQuery& query)
         // A copy of its own per thread, so that no compiled code is shared.
         m_expression = QRegularExpression(query.Pattern(), query.PatternOptions());
         m_expression.optimize();
-        if (!query.RequiredLiteral().empty())
-            m_searcher = ByteSearcher(query.RequiredLiteral(), query.RequiredCaseSensitive());
+        for (const std::string& piece : query.RequiredLiterals())
+            m_candidates.emplace_back(piece, query.RequiredCaseSensitive());
     } else {
         m_searcher = ByteSearcher(query.Literal(), query.LiteralCaseSensitive());
     }
@@ -119,7 +123,7 @@ bool TextMatcher::Search(std::string_view block, qint64 firstLine, const Sink& s
         return true;
     if (!m_query.UsesExpression())
         return SearchLiteral(block, firstLine, sink);
-    if (!m_searcher.IsEmpty())
+    if (!m_candidates.empty())
         return SearchCandidateLines(block, firstLine, sink);
     return SearchWholeBlock(block, firstLine, sink);
 }
@@ -153,15 +157,30 @@ bool TextMatcher::SearchLiteral(std::string_view block, qint64 firstLine, const 
     }
 }
 
+std::size_t TextMatcher::NextCandidate(const char* data, std::size_t size, std::size_t from)
+{
+    // Each piece remembers where it next occurs, so each is looked for once per stretch.
+    std::size_t best = ByteSearcher::npos;
+    for (std::size_t i = 0; i < m_candidates.size(); ++i) {
+        if (m_nextCandidate[i] != ByteSearcher::npos && m_nextCandidate[i] < from)
+            m_nextCandidate[i] = m_candidates[i].Find(data, size, from);
+        best = std::min(best, m_nextCandidate[i]);
+    }
+    return best;
+}
+
 bool TextMatcher::SearchCandidateLines(std::string_view block, qint64 firstLine, const Sink& sink)
 {
     const char* data = block.data();
     const std::size_t size = block.size();
+    m_nextCandidate.resize(m_candidates.size());
+    for (std::size_t i = 0; i < m_candidates.size(); ++i)
+        m_nextCandidate[i] = m_candidates[i].Find(data, size, 0);
     std::size_t from = 0;
     std::size_t counted = 0;
     qint64 line = firstLine;
     while (from < size) {
-        const std::size_t at = m_searcher.Find(data, size, from);
+        const std::size_t at = NextCandidate(data, size, from);
         if (at == ByteSearcher::npos)
             return true;
         const std::size_t lineStart = std::size_t(FindLineStart(data + counted, data + at) - data);
@@ -205,7 +224,7 @@ bool TextMatcher::MatchLine(std::string_view block, std::size_t lineStart, std::
     OffsetWalker walker(bytes, length, latin1);
     bool emptyReported = false;
     while (from <= m_lineText.size()) {
-        const QRegularExpressionMatch match = m_expression.match(m_lineText, from);
+        const QRegularExpressionMatch match = m_expression.match(m_lineText, from, QRegularExpression::NormalMatch, Unchecked);
         if (!match.hasMatch())
             break;
         const qsizetype start = match.capturedStart();
@@ -242,7 +261,7 @@ bool TextMatcher::SearchWholeBlock(std::string_view block, qint64 firstLine, con
     qint64 emptyReportedLine = 0;
     qsizetype from = 0;
     while (from <= text.size()) {
-        const QRegularExpressionMatch match = m_expression.match(text, from);
+        const QRegularExpressionMatch match = m_expression.match(text, from, QRegularExpression::NormalMatch, Unchecked);
         if (!match.hasMatch())
             return true;
         const qsizetype start = match.capturedStart();

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 // Where a match lies in a block of text; offsets count bytes from the block's start.
 struct LineHit
@@ -46,6 +47,8 @@ public:
 
 private:
     bool SearchLiteral(std::string_view block, qint64 firstLine, const Sink& sink);
+    // The first place at or after `from` where one of the pieces occurs, or npos.
+    std::size_t NextCandidate(const char* data, std::size_t size, std::size_t from);
     bool SearchCandidateLines(std::string_view block, qint64 firstLine, const Sink& sink);
     bool SearchWholeBlock(std::string_view block, qint64 firstLine, const Sink& sink);
     // Runs the expression over one line from byte `fromByte`; reports each match.
@@ -54,6 +57,9 @@ private:
 
     const SearchQuery& m_query;
     ByteSearcher m_searcher;
+    // The pieces of text that lead an expression to the lines worth matching.
+    std::vector<ByteSearcher> m_candidates;
+    std::vector<std::size_t> m_nextCandidate;
     QRegularExpression m_expression;
     QString m_lineText;
 };

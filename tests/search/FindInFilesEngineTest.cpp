@@ -114,6 +114,50 @@ TEST_F(FindInFilesEngineTest, NonAsciiTextIsFoundInUtf16Files)
     EXPECT_EQ(result.matches[0].text, text.trimmed());
 }
 
+TEST_F(FindInFilesEngineTest, Utf32AndTinyFilesAreHandled)
+{
+    QByteArray utf32("\xFF\xFE\x00\x00", 4);
+    for (char c : QByteArray("x needle\n")) {
+        utf32 += c;
+        utf32 += QByteArray(3, '\0');
+    }
+    Write(QStringLiteral("wide.txt"), utf32);
+    Write(QStringLiteral("empty.txt"), QByteArray());
+    Write(QStringLiteral("one.txt"), "n");
+    const RunResult result = RunSearch(Options(QStringLiteral("needle")));
+    ASSERT_EQ(result.matches.size(), 1);
+    EXPECT_TRUE(result.matches[0].path.endsWith(QStringLiteral("wide.txt")));
+    EXPECT_EQ(result.matches[0].column, 2);
+    EXPECT_EQ(result.summary.filesSearched, 3);
+    EXPECT_EQ(result.summary.filesBinary, 0);
+}
+
+TEST_F(FindInFilesEngineTest, WindowsLineEndsStayOutOfTheText)
+{
+    Write(QStringLiteral("crlf.txt"), "one\r\ntwo needle\r\nthree\r\n");
+    FindInFilesOptions options = Options(QStringLiteral("needle$"));
+    options.regExp = true; // "$" before the CR as well
+    const RunResult literal = RunSearch(Options(QStringLiteral("needle")));
+    ASSERT_EQ(literal.matches.size(), 1);
+    EXPECT_EQ(literal.matches[0].line, 2);
+    EXPECT_EQ(literal.matches[0].text, QStringLiteral("two needle"));
+    const RunResult expression = RunSearch(options);
+    ASSERT_EQ(expression.matches.size(), 1);
+    EXPECT_EQ(expression.matches[0].column, 4);
+}
+
+TEST_F(FindInFilesEngineTest, LinkedFilesAreSearchedLinkedFoldersNotFollowed)
+{
+    Write(QStringLiteral("real/a.txt"), "needle\n");
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("real/a.txt")), Path(QStringLiteral("link.txt"))));
+    // A link back to the top would loop for ever if followed.
+    ASSERT_TRUE(QFile::link(m_root, Path(QStringLiteral("real/loop"))));
+    const RunResult result = RunSearch(Options(QStringLiteral("needle")));
+    ASSERT_EQ(result.matches.size(), 2);
+    EXPECT_EQ(result.matches[0].path, Path(QStringLiteral("link.txt")));
+    EXPECT_EQ(result.matches[1].path, Path(QStringLiteral("real/a.txt")));
+}
+
 TEST_F(FindInFilesEngineTest, BinaryFilesAreSkippedAndCounted)
 {
     Write(QStringLiteral("text.txt"), "needle\n");

@@ -1,6 +1,8 @@
 #include "search/SearchQuery.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -44,6 +46,34 @@ INSTANTIATE_TEST_SUITE_P(
         RequiredCase{"caf\xC3\xA9s", false, "caf"},  // no byte folding beyond ASCII
         RequiredCase{"^\\s*$", true, ""}));
 
+struct AlternativesCase
+{
+    const char* pattern;
+    std::vector<std::string> required;
+};
+
+class RequiredTexts : public ::testing::TestWithParam<AlternativesCase> {};
+
+// Every match holds one of the pieces: an alternative without a piece voids them all.
+TEST_P(RequiredTexts, OnePiecePerAlternative)
+{
+    const AlternativesCase& c = GetParam();
+    EXPECT_EQ(SearchQuery::RequiredTexts(QString::fromUtf8(c.pattern), true), c.required)
+        << "pattern " << c.pattern;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Patterns, RequiredTexts,
+    ::testing::Values(
+        AlternativesCase{"TODO|FIXME", {"TODO", "FIXME"}},
+        AlternativesCase{"TODO\\b|TODO:", {"TODO", "TODO:"}},
+        AlternativesCase{"abc|abc", {"abc"}},
+        AlternativesCase{"(x|y)zz|ww", {"zz", "ww"}}, // "|" inside a group doesn't split
+        AlternativesCase{"[|]qq|rr", {"qq", "rr"}},   // nor inside a class
+        AlternativesCase{"a\\|b", {"a|b"}},           // nor escaped
+        AlternativesCase{"foo|\\d+", {}},
+        AlternativesCase{"foo|", {}}));
+
 TEST(SearchQuery, PlainAsciiTextIsSearchedAsBytes)
 {
     const SearchQuery query(QStringLiteral("needle"), false, false, false);
@@ -58,7 +88,7 @@ TEST(SearchQuery, NonAsciiTextWithoutCaseUsesTheExpressionEngine)
     const SearchQuery query(QStringLiteral("Stra\u00DFe"), false, false, false);
     ASSERT_TRUE(query.IsValid());
     EXPECT_TRUE(query.UsesExpression());
-    EXPECT_EQ(query.RequiredLiteral(), "Stra"); // escaped text yields its ASCII run
+    EXPECT_EQ(query.RequiredLiterals(), std::vector<std::string>{"Stra"}); // escaped text yields its ASCII run
 }
 
 TEST(SearchQuery, BrokenExpressionIsReportedNotThrown)

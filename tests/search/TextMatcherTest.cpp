@@ -125,6 +125,18 @@ TEST(TextMatcher, ExpressionNeverSpansLines)
     EXPECT_EQ(found, expected);
 }
 
+TEST(TextMatcher, AlternativesAreFoundInTextOrder)
+{
+    const std::string text = "a FIXME\nplain\nTODO and FIXME\nTODOS\n";
+    const auto found = Scan(text, QStringLiteral("TODO\\b|FIXME"), true, false, true);
+    const std::vector<Found> expected = {
+        {1, "a FIXME", "FIXME"},
+        {3, "TODO and FIXME", "TODO"},
+        {3, "TODO and FIXME", "FIXME"},
+    };
+    EXPECT_EQ(found, expected);
+}
+
 TEST(TextMatcher, AnchorsWorkPerLine)
 {
     const auto found = Scan("abc\nxabc\nabc", QStringLiteral("^abc$"), true, false, true);

@@ -1,0 +1,260 @@
+#include "CTextSearch.h"
+
+#include "app/CRegistryStore.h"
+#include "editor/CMFCScintilla.h"
+
+#include <QSet>
+
+namespace {
+
+const QString FindReplaceSection = QStringLiteral("FindReplace");
+const QString LastSelectedValue = QStringLiteral("LastSelectedValue");
+
+// The seed is cut to this many bytes when the selection is longer than SeedLimit.
+constexpr int SeedLimit = 100;
+constexpr int SeedCut = 99;
+
+// Cuts UTF-8 bytes to at most `length` without splitting a character.
+QByteArray CutUtf8(const QByteArray& bytes, int length)
+{
+    if (bytes.size() <= length)
+        return bytes;
+    int cut = length;
+    while (cut > 0 && (static_cast<unsigned char>(bytes.at(cut)) & 0xC0) == 0x80)
+        --cut;
+    return bytes.left(cut);
+}
+
+} // namespace
+
+CTextSearch::CTextSearch(CMFCScintilla* editor)
+    : m_editor(editor)
+{
+}
+
+int CTextSearch::SearchFlags(bool matchCase, bool wholeWord, bool regExp)
+{
+    int flags = 0;
+    if (matchCase)
+        flags |= QsciScintillaBase::SCFIND_MATCHCASE;
+    if (wholeWord)
+        flags |= QsciScintillaBase::SCFIND_WHOLEWORD;
+    if (regExp)
+        flags |= QsciScintillaBase::SCFIND_REGEXP | QsciScintillaBase::SCFIND_CXX11REGEX;
+    return flags;
+}
+
+void CTextSearch::SetSearchFlags(bool matchCase, bool wholeWord, bool regExp)
+{
+    SetSearchFlags(SearchFlags(matchCase, wholeWord, regExp));
+}
+
+void CTextSearch::SetSearchFlags(int scintillaFlags)
+{
+    // A bare SCFIND_REGEXP would pick the control's old engine, which knows neither
+    // alternation nor \d: every expression search goes to the C++11 one.
+    if (scintillaFlags & QsciScintillaBase::SCFIND_REGEXP)
+        scintillaFlags |= QsciScintillaBase::SCFIND_CXX11REGEX;
+    m_editor->SetSearchFlags(scintillaFlags);
+}
+
+QByteArray CTextSearch::Encode(const QString& text) const
+{
+    const long codePage = m_editor->SendScintilla(QsciScintillaBase::SCI_GETCODEPAGE);
+    return codePage == QsciScintillaBase::SC_CP_UTF8 ? text.toUtf8() : text.toLocal8Bit();
+}
+
+QString CTextSearch::Decode(const QByteArray& bytes) const
+{
+    const long codePage = m_editor->SendScintilla(QsciScintillaBase::SCI_GETCODEPAGE);
+    return codePage == QsciScintillaBase::SC_CP_UTF8 ? QString::fromUtf8(bytes)
+                                                    : QString::fromLocal8Bit(bytes);
+}
+
+long CTextSearch::SearchRange(long start, long end, const QByteArray& text)
+{
+    if (text.isEmpty())
+        return -1;
+    m_editor->SetTargetStart(start);
+    m_editor->SetTargetEnd(end);
+    long found = -1;
+    try {
+        // The C++11 engine reports an expression it cannot compile as -2 (or, in some
+        // builds, by an exception that the control lets through).
+        found = m_editor->SearchInTarget(text);
+    } catch (...) {
+        found = -1;
+    }
+    return found < 0 ? -1 : found;
+}
+
+void CTextSearch::SelectTarget()
+{
+    const long start = m_editor->GetTargetStart();
+    const long end = m_editor->GetTargetEnd();
+    const long first = m_editor->LineFromPosition(start);
+    const long last = m_editor->LineFromPosition(end);
+    for (long line = first; line <= last; ++line)
+        m_editor->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLEENFORCEPOLICY,
+                                static_cast<unsigned long>(line));
+    m_editor->SetSel(start, end);
+}
+
+long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
+{
+    const QByteArray bytes = Encode(text);
+    const long length = m_editor->GetLength();
+    long found = searchUp ? SearchRange(m_editor->GetSelectionStart(), 0, bytes)
+                          : SearchRange(m_editor->GetSelectionEnd(), length, bytes);
+    if (found == -1) {
+        if (!wrapAround)
+            return -1;
+        found = searchUp ? SearchRange(length, 0, bytes) : SearchRange(0, length, bytes);
+        if (found == -1)
+            return -1;
+    }
+    SelectTarget();
+    return found;
+}
+
+bool CTextSearch::MarkAll(const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    const long caret = m_editor->GetCurrentPos();
+    const long first = FindText(text, false, true);
+    if (first == -1)
+        return false;
+
+    const QByteArray bytes = Encode(text);
+    // Each match toggles its line's bookmark, until the search comes round to the first
+    // match again. A position seen before also ends it: an expression whose matches
+    // depend on where the search starts might otherwise never come back to `first`.
+    QSet<long> seen;
+    long pos = first;
+    do {
+        seen.insert(pos);
+        const long line = m_editor->LineFromPosition(pos);
+        const int mask = 1 << CMFCScintilla::BookmarkMarker;
+        if (m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERGET,
+                                    static_cast<unsigned long>(line)) & mask)
+            m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERDELETE,
+                                    static_cast<unsigned long>(line),
+                                    static_cast<long>(CMFCScintilla::BookmarkMarker));
+        else
+            m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERADD,
+                                    static_cast<unsigned long>(line),
+                                    static_cast<long>(CMFCScintilla::BookmarkMarker));
+
+        const long length = m_editor->GetLength();
+        pos = SearchRange(m_editor->GetSelectionEnd(), length, bytes);
+        if (pos == -1)
+            pos = SearchRange(0, length, bytes);
+        if (pos == -1)
+            break;
+        SelectTarget();
+    } while (pos != first && !seen.contains(pos));
+
+    m_editor->SetCurrentPos(caret);
+    m_editor->SetSel(caret, caret);
+    return true;
+}
+
+long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool selectionOnly,
+                             bool useExpressionTags)
+{
+    const QByteArray findBytes = Encode(find);
+    const QByteArray replaceBytes = Encode(replace);
+    const long selStart = m_editor->GetSelectionStart();
+    const long selEnd = m_editor->GetSelectionEnd();
+    long count = 0;
+
+    long rangeStart = 0;
+    long rangeEnd = m_editor->GetLength();
+    if (selectionOnly) {
+        if (selStart == selEnd)
+            return ScopeEmpty;
+        // Whole lines: from the start of the first line to the start of the line after
+        // the last one (the document's end when that is the last line).
+        rangeStart = m_editor->PositionFromLine(m_editor->LineFromPosition(selStart));
+        const long lastLine = m_editor->LineFromPosition(selEnd);
+        rangeEnd = lastLine + 1 < m_editor->GetLineCount()
+                       ? m_editor->PositionFromLine(lastLine + 1)
+                       : m_editor->GetLength();
+    }
+
+    long pos = SearchRange(rangeStart, rangeEnd, findBytes);
+    const bool regExp = m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS)
+                        & QsciScintillaBase::SCFIND_REGEXP;
+    if (regExp && find == QLatin1String("^")) {
+        // The start of the range is always a line start: take it as the first match.
+        pos = rangeStart;
+        m_editor->SetTargetStart(rangeStart);
+        m_editor->SetTargetEnd(rangeStart);
+    }
+    if (pos == -1 || pos > rangeEnd)
+        return 0;
+
+    m_editor->BeginUndoAction();
+    long next = pos;
+    while (true) {
+        const long length = m_editor->GetTargetEnd() - m_editor->GetTargetStart();
+        long replacedLength = replaceBytes.size();
+        const bool zeroLength = length < 1;
+        if (useExpressionTags)
+            replacedLength = m_editor->ReplaceTargetRE(replaceBytes);
+        else
+            m_editor->ReplaceTarget(replaceBytes);
+        rangeEnd += replacedLength - length;
+
+        // Behind the inserted text; a zero-length match (such as "$" or "^") steps one
+        // character further, a whole line end ("\r\n" too) when it stood at one, so
+        // that the same place is not matched again.
+        next = pos + replacedLength;
+        if (zeroLength)
+            next = m_editor->PositionAfter(next);
+        ++count;
+        if (next >= rangeEnd)
+            break;
+        const long found = SearchRange(next, rangeEnd, findBytes);
+        // A match before `next` cannot come from a forward search; stop rather than loop.
+        if (found == -1 || found < next)
+            break;
+        pos = found;
+    }
+    if (selectionOnly)
+        m_editor->SetSel(rangeStart, rangeEnd);
+    else
+        m_editor->SetSel(next, next);
+    m_editor->EndUndoAction();
+    return count;
+}
+
+long CTextSearch::ReplaceNext(const QString& find, const QString& replace,
+                              bool useExpressionTags, long lastFound)
+{
+    if (lastFound != -1) {
+        const long start = m_editor->GetSelectionStart();
+        m_editor->SetTargetStart(start);
+        m_editor->SetTargetEnd(m_editor->GetSelectionEnd());
+        const QByteArray bytes = Encode(replace);
+        const long length = useExpressionTags ? m_editor->ReplaceTargetRE(bytes)
+                                              : m_editor->ReplaceTarget(bytes);
+        m_editor->SetSel(start, start + length);
+    }
+    return FindText(find, false, true);
+}
+
+QString CTextSearch::GetSearchSeed() const
+{
+    CRegistryStore store;
+    if (m_editor->HasSelection()) {
+        QByteArray bytes = m_editor->GetSelText();
+        if (bytes.size() > SeedLimit)
+            bytes = CutUtf8(bytes, SeedCut);
+        const QString seed = Decode(bytes);
+        store.WriteProfileString(FindReplaceSection, LastSelectedValue, seed);
+        return seed;
+    }
+    return store.GetProfileString(FindReplaceSection, LastSelectedValue);
+}

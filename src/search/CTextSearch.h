@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class CMFCScintilla;
+
+// The search routines of a text view, over its control's target search. Find Next, Find
+// Previous, Mark All, Replace and Replace All all pass through here. Made on the stack
+// around one control; it keeps no state of its own (the flags live in the control).
+//
+// Positions are bytes of the control's text. Texts are given as QString and converted to
+// the control's code page (UTF-8 or the locale's bytes).
+class CTextSearch
+{
+public:
+    explicit CTextSearch(CMFCScintilla* editor);
+
+    // Scintilla flags of the three options. Regular expressions use the control's C++11
+    // (ECMAScript) engine: groups, alternation, classes, \d \w \s \b, quantifiers.
+    static int SearchFlags(bool matchCase, bool wholeWord, bool regExp);
+    void SetSearchFlags(bool matchCase, bool wholeWord, bool regExp);
+    void SetSearchFlags(int scintillaFlags);
+
+    // Searches down from the selection's end or up from its start; with `wrapAround`, a
+    // miss is searched once more over the whole document. A match is made visible and
+    // selected. Returns its position, or -1 (also for an invalid expression).
+    long FindText(const QString& text, bool searchUp, bool wrapAround);
+
+    // Toggles the bookmark on the line of every match, starting at the first match below
+    // the selection and wrapping round once; the caret goes back where it was. Returns
+    // true when anything was found. Empty text finds nothing.
+    bool MarkAll(const QString& text);
+
+    // Replaces every match in the document, or in the whole lines the selection touches.
+    // One undo step. Returns the count, 0 when nothing matched, or ScopeEmpty when
+    // `selectionOnly` is set and nothing is selected. With `useExpressionTags` the
+    // replacement's \1..\9 are expanded (SCI_REPLACETARGETRE).
+    static constexpr long ScopeEmpty = -2;
+    long ReplaceAll(const QString& find, const QString& replace, bool selectionOnly,
+                    bool useExpressionTags);
+
+    // The rhythm of the Replace button: when `lastFound` is not -1, whatever is selected
+    // is replaced first; then the next match is found downward with wrap. Returns the
+    // match's position or -1.
+    long ReplaceNext(const QString& find, const QString& replace, bool useExpressionTags,
+                     long lastFound);
+
+    // The text a search starts with: the selection (at most 99 bytes when it is longer
+    // than 100), remembered in FindReplace/LastSelectedValue; without a selection, the
+    // remembered value.
+    QString GetSearchSeed() const;
+
+    // Conversions between QString and the control's bytes.
+    QByteArray Encode(const QString& text) const;
+    QString Decode(const QByteArray& bytes) const;
+
+private:
+    // SCI_SEARCHINTARGET over [start, end) (end before start searches backward). Any
+    // failure, including an expression the engine refuses, is -1.
+    long SearchRange(long start, long end, const QByteArray& text);
+    void SelectTarget();
+
+    CMFCScintilla* m_editor;
+};
