@@ -9,8 +9,14 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QProgressDialog>
 #include <QRadioButton>
 #include <QSplitter>
+
+namespace {
+// Shorter searches finish before a progress window would be worth showing.
+constexpr qint64 kShowProgressAbove = qint64(64) << 20;
+}
 
 CHexFrame::CHexFrame(CHexDocument* document, QWidget* parent)
     : CChildFrame(document, parent)
@@ -173,9 +179,25 @@ bool CHexFrame::Find(const CHexFindRequest& request, bool forward)
     // step through overlapping matches; backward from just before it.
     const qint64 here = m_view->HasSelection() ? m_view->SelectionStart() : m_view->CaretOffset();
     const qint64 from = forward ? (m_view->HasSelection() ? here + 1 : here) : here - 1;
+    // Searching gigabytes takes seconds: show how far it got and let the user stop it.
+    const qint64 span = forward ? document->Size() - std::max<qint64>(from, 0) : from + 1;
+    QProgressDialog progressDialog(tr("Searching..."), tr("Cancel"), 0, 1000, this);
+    progressDialog.setWindowModality(Qt::WindowModal);
+    progressDialog.setMinimumDuration(500);
+    progressDialog.setAutoReset(false);
+    CPieceTable::FindProgress progress;
+    if (span > kShowProgressAbove) {
+        progress = [&](qint64 searched) {
+            progressDialog.setValue(int(std::min<qint64>(1000, searched * 1000 / span)));
+            return !progressDialog.wasCanceled();
+        };
+    }
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const auto result = document->Bytes().Find(request.pattern, from, forward, request.matchCase);
+    const auto result = document->Bytes().Find(request.pattern, from, forward, request.matchCase,
+                                               progress);
     QApplication::restoreOverrideCursor();
+    if (result.cancelled)
+        return false;
     if (result.failed) {
         ShowMessage(QMessageBox::Warning,
                     tr("The file can no longer be read: another program has shortened it."));

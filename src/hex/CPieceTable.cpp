@@ -264,7 +264,7 @@ const uchar* CPieceTable::SpanBefore(qint64 end, qint64 maximum, qint64* length,
 }
 
 CPieceTable::FindResult CPieceTable::Find(const QByteArray& pattern, qint64 from, bool forward,
-                                          bool matchCase) const
+                                          bool matchCase, const FindProgress& progress) const
 {
     FindResult result;
     const qint64 m = pattern.size();
@@ -309,6 +309,10 @@ CPieceTable::FindResult CPieceTable::Find(const QByteArray& pattern, qint64 from
                     return result;
                 }
             }
+            if (progress && !progress(spanEnd - std::max<qint64>(from, 0))) {
+                result.cancelled = true;
+                return result;
+            }
             pos = spanEnd;
         }
         return result;
@@ -349,6 +353,10 @@ CPieceTable::FindResult CPieceTable::Find(const QByteArray& pattern, qint64 from
                 result.offset = seamStart + seamHit;
                 return result;
             }
+        }
+        if (progress && !progress(std::min(m_size, from + m) - spanStart)) {
+            result.cancelled = true;
+            return result;
         }
         end = spanStart;
     }

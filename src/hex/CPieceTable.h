@@ -19,7 +19,10 @@ public:
     {
         qint64 offset = -1; // start of the match, -1 when none
         bool failed = false; // the file could not be read
+        bool cancelled = false; // the progress callback asked to stop
     };
+    // Hears the bytes searched so far; returning false stops the search.
+    using FindProgress = std::function<bool(qint64 searched)>;
 
     CPieceTable();
     ~CPieceTable();
@@ -56,7 +59,8 @@ public:
 
     // Forward: the first match starting at or after `from`. Backward: the last match
     // starting at or before `from`. Matches may cross any piece boundary.
-    FindResult Find(const QByteArray& pattern, qint64 from, bool forward, bool matchCase) const;
+    FindResult Find(const QByteArray& pattern, qint64 from, bool forward, bool matchCase,
+                    const FindProgress& progress = {}) const;
 
     // Writes the content to `path` through a file beside it that is renamed over it, so
     // a failure leaves the old file as it was. With `adopt` (or when `path` is the file

@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 
 #include <QDir>
+#include <QFile>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -122,6 +123,41 @@ TEST(Find, EmptyPatternOrEmptyContentFindsNothing)
     EXPECT_EQ(table.Find("a", 0, false, true).offset, -1);
     ASSERT_TRUE(table.Open(MakeFile("abc"), nullptr));
     EXPECT_EQ(table.Find(QByteArray(), 0, true, true).offset, -1);
+}
+
+TEST(Find, ProgressCanStopALongSearch)
+{
+    // 40 MB of zeros: three runs of the search, the pattern nowhere.
+    const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("zeros.bin"));
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.resize(qint64(40) << 20));
+    }
+    CPieceTable table;
+    ASSERT_TRUE(table.Open(path, nullptr));
+    for (const bool forward : {true, false}) {
+        QList<qint64> seen;
+        const auto stopped = table.Find("xyz", forward ? 0 : table.Size() - 1, forward, true,
+                                        [&](qint64 searched) {
+                                            seen.append(searched);
+                                            return seen.size() < 2;
+                                        });
+        EXPECT_TRUE(stopped.cancelled);
+        EXPECT_EQ(stopped.offset, -1);
+        ASSERT_EQ(seen.size(), 2);
+        EXPECT_LT(seen[0], seen[1]);
+        seen.clear();
+        const auto full = table.Find("xyz", forward ? 0 : table.Size() - 1, forward, true,
+                                     [&](qint64 searched) {
+                                         seen.append(searched);
+                                         return true;
+                                     });
+        EXPECT_FALSE(full.cancelled);
+        EXPECT_EQ(full.offset, -1);
+        ASSERT_FALSE(seen.isEmpty());
+        EXPECT_EQ(seen.last(), table.Size());
+    }
 }
 
 // Every match position over random content of a small alphabet, both ways, both cases.
