@@ -27,6 +27,16 @@ CByteSearcher::CByteSearcher(const QByteArray& pattern, bool matchCase)
             m_backwardSkip[c] = m_backwardSkip[c - 'A' + 'a'];
         }
     }
+    m_forwardScan = m_forwardSkip;
+    m_backwardScan = m_backwardSkip;
+    if (m > 0) {
+        for (int c = 0; c < 256; ++c) {
+            if (m_fold[c] == p[m - 1])
+                m_forwardScan[c] = 0;
+            if (m_fold[c] == p[0])
+                m_backwardScan[c] = 0;
+        }
+    }
 }
 
 bool CByteSearcher::MatchesAt(const uchar* at) const
@@ -53,18 +63,35 @@ qint64 CByteSearcher::FindFirst(const uchar* data, qint64 length) const
         return hit ? static_cast<const uchar*>(hit) - data : -1;
     }
 #endif
-    const auto* p = reinterpret_cast<const uchar*>(m_pattern.constData());
-    const uchar lastByte = p[m - 1];
     const qint64 last = length - m;
+    const qint64 safe = last - 3 * m; // four shifts of at most m stay in range
     qint64 j = 0;
-    while (j <= last) {
-        const uchar c = data[j + m - 1];
-        // The byte that decides the shift is checked first: most windows end there.
-        if (m_fold[c] == lastByte && MatchesAt(data + j))
+    for (;;) {
+        qint64 k = 1;
+        while (j <= safe) {
+            if ((k = m_forwardScan[data[j + m - 1]]) == 0)
+                break;
+            j += k;
+            if ((k = m_forwardScan[data[j + m - 1]]) == 0)
+                break;
+            j += k;
+            if ((k = m_forwardScan[data[j + m - 1]]) == 0)
+                break;
+            j += k;
+            if ((k = m_forwardScan[data[j + m - 1]]) == 0)
+                break;
+            j += k;
+        }
+        while (k != 0 && j <= last) {
+            if ((k = m_forwardScan[data[j + m - 1]]) != 0)
+                j += k;
+        }
+        if (j > last)
+            return -1;
+        if (MatchesAt(data + j))
             return j;
-        j += m_forwardSkip[c];
+        j += m_forwardSkip[data[j + m - 1]];
     }
-    return -1;
 }
 
 qint64 CByteSearcher::FindLast(const uchar* data, qint64 length) const
@@ -72,13 +99,32 @@ qint64 CByteSearcher::FindLast(const uchar* data, qint64 length) const
     const qint64 m = m_pattern.size();
     if (m == 0 || length < m)
         return -1;
-    const uchar firstByte = uchar(m_pattern[0]);
+    const qint64 safe = 3 * m;
     qint64 j = length - m;
-    while (j >= 0) {
-        const uchar c = data[j];
-        if (m_fold[c] == firstByte && MatchesAt(data + j))
+    for (;;) {
+        qint64 k = 1;
+        while (j >= safe) {
+            if ((k = m_backwardScan[data[j]]) == 0)
+                break;
+            j -= k;
+            if ((k = m_backwardScan[data[j]]) == 0)
+                break;
+            j -= k;
+            if ((k = m_backwardScan[data[j]]) == 0)
+                break;
+            j -= k;
+            if ((k = m_backwardScan[data[j]]) == 0)
+                break;
+            j -= k;
+        }
+        while (k != 0 && j >= 0) {
+            if ((k = m_backwardScan[data[j]]) != 0)
+                j -= k;
+        }
+        if (j < 0)
+            return -1;
+        if (MatchesAt(data + j))
             return j;
-        j -= m_backwardSkip[c];
+        j -= m_backwardSkip[data[j]];
     }
-    return -1;
 }

@@ -26,4 +26,8 @@ private:
     std::array<uchar, 256> m_fold{};
     std::array<qint64, 256> m_forwardSkip{};
     std::array<qint64, 256> m_backwardSkip{};
+    // The same shifts with 0 for bytes that may end (start) a match: the scanning loop
+    // runs on these alone and stops only where a comparison is worth making.
+    std::array<qint64, 256> m_forwardScan{};
+    std::array<qint64, 256> m_backwardScan{};
 };

@@ -92,6 +92,31 @@ TEST_F(SaveTest, ProgressCountsUpToTheSize)
     EXPECT_EQ(seen.last(), size);
 }
 
+TEST_F(SaveTest, SaveKeepsThePermissionsOfTheFile)
+{
+    const auto permissions = QFileDevice::ReadOwner | QFileDevice::WriteOwner
+        | QFileDevice::ReadGroup | QFileDevice::ExeOwner;
+    ASSERT_TRUE(QFile::setPermissions(path, permissions));
+    EditBoth();
+    QString error;
+    ASSERT_TRUE(table.Save(path, true, &error)) << error.toStdString();
+    // Owner, group and others; the "user" flags only restate the owner's for us.
+    const int mask = 0xF000 | 0x00FF;
+    EXPECT_EQ(int(QFile::permissions(path)) & mask, int(permissions) & mask);
+    EXPECT_FALSE(QFile::permissions(path).testFlag(QFileDevice::ReadOther));
+}
+
+TEST_F(SaveTest, SaveThroughALinkReplacesTheFileItPointsTo)
+{
+    const QString link = QDir(dir).filePath(QStringLiteral("link.bin"));
+    ASSERT_TRUE(QFile::link(path, link));
+    const QByteArray expected = EditBoth();
+    QString error;
+    ASSERT_TRUE(table.Save(link, true, &error)) << error.toStdString();
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_EQ(TestSupport::ReadFile(path), expected);
+}
+
 TEST_F(SaveTest, SaveAsCopyKeepsHistoryAndOriginal)
 {
     const QByteArray expected = EditBoth();
