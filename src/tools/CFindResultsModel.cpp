@@ -1,6 +1,7 @@
 #include "CFindResultsModel.h"
 
 #include <QDir>
+#include <algorithm>
 
 CFindResultsModel::CFindResultsModel(QObject* parent)
     : QAbstractListModel(parent)
@@ -46,6 +47,11 @@ void CFindResultsModel::appendMatches(const QList<FindInFilesMatch>& matches)
 {
     if (matches.isEmpty())
         return;
+    for (const FindInFilesMatch& m : matches) {
+        // Path, numbers and text; a tab may take up to eight columns.
+        const int length = int(m.path.size() + m.text.size() + m.text.count(QLatin1Char('\t')) * 7) + 16;
+        m_longest = std::max(m_longest, length);
+    }
     const int first = int(m_matches.size());
     beginInsertRows(QModelIndex(), first, first + int(matches.size()) - 1);
     m_matches += matches;
@@ -57,5 +63,6 @@ void CFindResultsModel::clear()
     beginResetModel();
     m_matches.clear();
     m_matches.squeeze();
+    m_longest = 0;
     endResetModel();
 }

@@ -22,9 +22,12 @@ public:
     void appendMatches(const QList<FindInFilesMatch>& matches);
     void clear();
     const FindInFilesMatch& match(int row) const { return m_matches[row]; }
+    // Characters in the longest row shown, tabs counted as a tab stop's width.
+    int longestRow() const { return m_longest; }
 
     static QString formatMatch(const FindInFilesMatch& match);
 
 private:
     QVector<FindInFilesMatch> m_matches;
+    int m_longest = 0;
 };

@@ -11,9 +11,34 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <algorithm>
 #include <QTabWidget>
 #include <QTextCursor>
 #include <QVBoxLayout>
+
+namespace {
+
+// All rows share one size (fast with many rows); its width is that of the longest row,
+// so that the list scrolls sideways far enough for every line.
+class ResultRowDelegate : public QStyledItemDelegate
+{
+public:
+    ResultRowDelegate(const CFindResultsModel* model, QObject* parent)
+        : QStyledItemDelegate(parent), m_model(model) {}
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const QSize base = QStyledItemDelegate::sizeHint(option, index);
+        const int width = option.fontMetrics.horizontalAdvance(QLatin1Char('x')) * m_model->longestRow();
+        return QSize(std::max(base.width(), width), base.height());
+    }
+
+private:
+    const CFindResultsModel* m_model;
+};
+
+} // namespace
 
 COutputBar::COutputBar(QWidget* parent)
     : QDockWidget(tr("Output"), parent)
@@ -37,6 +62,7 @@ COutputBar::COutputBar(QWidget* parent)
     m_model = new CFindResultsModel(this);
     m_results = new QListView;
     m_results->setModel(m_model);
+    m_results->setItemDelegate(new ResultRowDelegate(m_model, m_results));
     m_results->setFont(fixed);
     m_results->setUniformItemSizes(true); // rows are measured once: fast with many rows
     m_results->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -5,6 +5,7 @@
 #include <QListView>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -75,6 +76,24 @@ TEST(OutputBar, DoubleClickAndEnterOpenTheLocation)
     EXPECT_EQ(spy[1][0].toString(), QStringLiteral("/a/one.txt"));
     EXPECT_EQ(spy[1][1].toInt(), 3);
     EXPECT_EQ(spy[1][2].toInt(), 7);
+}
+
+TEST(OutputBar, ListScrollsSidewaysToTheLongestLineWhereverItIs)
+{
+    COutputBar bar;
+    bar.resize(300, 200);
+    bar.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&bar));
+    bar.beginSearch(QStringLiteral("Find"));
+    bar.addMatches({Match(QStringLiteral("/a"), 1, 0, QStringLiteral("short"))});
+    QCoreApplication::processEvents();
+    QListView* view = bar.findResultsView();
+    const int before = view->horizontalScrollBar()->maximum();
+    bar.addMatches({Match(QStringLiteral("/a"), 2, 0, QStringLiteral("short")),
+                    Match(QStringLiteral("/a"), 3, 0, QString(400, QLatin1Char('w'))),
+                    Match(QStringLiteral("/a"), 4, 0, QStringLiteral("short"))});
+    QTest::qWait(50);
+    EXPECT_GT(view->horizontalScrollBar()->maximum(), before + 1000);
 }
 
 TEST(OutputBar, ShowsStopWhileSearchingAndASummaryAfter)
