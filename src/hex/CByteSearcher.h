@@ -5,11 +5,18 @@
 
 // Finds one byte string in a block of memory, forward or backward, optionally ignoring
 // the case of ASCII letters. Exact forward search uses the C library's memmem, which is
-// as fast as anything we could write; the other three ways use Horspool's skip tables.
+// as fast as anything we could write. The other three ways compare the first and last
+// byte of the pattern at sixteen positions at once where SSE2 is available, and use
+// Horspool's skip tables elsewhere.
 class CByteSearcher
 {
 public:
-    CByteSearcher(const QByteArray& pattern, bool matchCase);
+    enum Method {
+        Fastest,  // what this machine does best
+        Portable, // Horspool only; for tests of the code other machines run
+    };
+
+    CByteSearcher(const QByteArray& pattern, bool matchCase, Method method = Fastest);
 
     qint64 Length() const { return m_pattern.size(); }
     bool IsEmpty() const { return m_pattern.isEmpty(); }
@@ -20,9 +27,14 @@ public:
 
 private:
     bool MatchesAt(const uchar* at) const;
+    qint64 HorspoolFirst(const uchar* data, qint64 length) const;
+    qint64 HorspoolLast(const uchar* data, qint64 length) const;
+    qint64 WideFirst(const uchar* data, qint64 length) const;
+    qint64 WideLast(const uchar* data, qint64 length) const;
 
     QByteArray m_pattern; // folded to lower case when case is ignored
     bool m_matchCase;
+    Method m_method;
     std::array<uchar, 256> m_fold{};
     std::array<qint64, 256> m_forwardSkip{};
     std::array<qint64, 256> m_backwardSkip{};

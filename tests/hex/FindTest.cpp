@@ -191,6 +191,39 @@ TEST_P(FindRandom, AgreesWithAPlainScan)
 
 INSTANTIATE_TEST_SUITE_P(Seeds, FindRandom, ::testing::Values(3u, 11u, 500u));
 
+// Long buffers, so that the sixteen-at-a-time loops run, checked against a plain scan
+// for both the fast and the portable way. The alphabet mixes letters of both cases,
+// their ASCII neighbours and bytes with the top bit set.
+class ByteSearcherRandom : public ::testing::TestWithParam<CByteSearcher::Method>
+{
+};
+
+TEST_P(ByteSearcherRandom, AgreesWithAPlainScan)
+{
+    std::mt19937 rng(77);
+    const char alphabet[] = {'a', 'A', 'z', 'Z', '@', '[', '`', '{', char(0xC1), char(0xE1), 'b'};
+    for (int round = 0; round < 300; ++round) {
+        QByteArray hay(int(rng() % 3000), Qt::Uninitialized);
+        for (char& c : hay)
+            c = alphabet[rng() % sizeof alphabet];
+        QByteArray needle(1 + int(rng() % (round % 3 == 0 ? 40 : 4)), Qt::Uninitialized);
+        for (char& c : needle)
+            c = alphabet[rng() % sizeof alphabet];
+        const bool matchCase = rng() % 2;
+        const CByteSearcher searcher(needle, matchCase, GetParam());
+        const auto* data = reinterpret_cast<const uchar*>(hay.constData());
+        ASSERT_EQ(searcher.FindFirst(data, hay.size()), Oracle(hay, needle, 0, true, matchCase))
+            << "round " << round;
+        ASSERT_EQ(searcher.FindLast(data, hay.size()),
+                  hay.size() < needle.size() ? -1
+                                             : Oracle(hay, needle, hay.size(), false, matchCase))
+            << "round " << round;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, ByteSearcherRandom,
+                         ::testing::Values(CByteSearcher::Fastest, CByteSearcher::Portable));
+
 TEST(ByteSearcher, SkipsCorrectlyOverBytesOutsideThePattern)
 {
     const QByteArray hay = QByteArray(1000, 'z') + "needle" + QByteArray(1000, 'z') + "NEEDLE";
