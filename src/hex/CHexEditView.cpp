@@ -642,6 +642,9 @@ void CHexEditView::paintEvent(QPaintEvent* event)
     std::vector<uchar> bytes(size_t(std::max<qint64>(0, last - first)));
     // A file shortened behind our back shows as unreadable rather than as stale bytes.
     const bool readable = bytes.empty() || m_document->Bytes().Read(first, last - first, bytes.data());
+    std::vector<uchar> changed(bytes.size());
+    if (!changed.empty())
+        m_document->Bytes().MarkChanged(first, last - first, changed.data());
 
     const qint64 selStart = SelectionStart();
     const qint64 selEnd = selStart + SelectionLength();
@@ -649,6 +652,9 @@ void CHexEditView::paintEvent(QPaintEvent* event)
     const QColor textColor = pal.color(QPalette::Text);
     const QColor highlight = pal.color(QPalette::Highlight);
     const QColor highlightText = pal.color(QPalette::HighlightedText);
+    // Bytes typed since the last save stand out, as in most hex editors.
+    const QColor changedColor = pal.color(QPalette::Base).lightness() > 128 ? QColor(200, 0, 0)
+                                                                            : QColor(255, 110, 110);
     const bool focused = hasFocus();
 
     QString cell(2, QLatin1Char('0'));
@@ -675,7 +681,8 @@ void CHexEditView::paintEvent(QPaintEvent* event)
                                  m_lineHeight, highlight);
                 painter.fillRect(TextX(i), y, m_charWidth, m_lineHeight, highlight);
             }
-            painter.setPen(selected ? highlightText : textColor);
+            const bool typed = changed[size_t(offset - first)] != 0;
+            painter.setPen(selected ? highlightText : typed ? changedColor : textColor);
             if (readable) {
                 const uchar b = bytes[size_t(offset - first)];
                 cell[0] = QLatin1Char("0123456789ABCDEF"[b >> 4]);

@@ -111,6 +111,22 @@ bool CPieceTable::Read(qint64 offset, qint64 length, uchar* dest) const
     return done == length;
 }
 
+bool CPieceTable::MarkChanged(qint64 offset, qint64 length, uchar* flags) const
+{
+    if (offset < 0 || length < 0 || offset > m_size || length > m_size - offset)
+        return false;
+    qint64 done = 0;
+    for (size_t i = PieceAt(offset); done < length && i < m_pieces.size(); ++i) {
+        const Piece& p = m_pieces[i];
+        const qint64 n = std::min(p.End() - (offset + done), length - done);
+        // A piece of the file at another place than it was (after an insertion or a
+        // deletion before it) holds the file's bytes: only typed bytes are marked.
+        std::memset(flags + done, p.added ? 1 : 0, size_t(n));
+        done += n;
+    }
+    return true;
+}
+
 QByteArray CPieceTable::Read(qint64 offset, qint64 length) const
 {
     if (offset < 0 || length < 0 || offset > m_size || length > m_size - offset

@@ -40,6 +40,10 @@ public:
     bool Read(qint64 offset, qint64 length, uchar* dest) const;
     QByteArray Read(qint64 offset, qint64 length) const;
 
+    // Sets flags[i] to 1 where byte offset + i was typed or pasted (is not the file's
+    // own byte at this place), else 0. False on a bad range.
+    bool MarkChanged(qint64 offset, qint64 length, uchar* flags) const;
+
     // Edits. `merge` joins the edit to the previous undo step (the second digit typed
     // into a byte). Each returns false, changing nothing, when the range is bad.
     bool Insert(qint64 offset, const QByteArray& bytes, bool merge = false);

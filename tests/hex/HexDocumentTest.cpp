@@ -13,7 +13,9 @@
 
 #include "TestSupport.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
@@ -253,6 +255,30 @@ TEST_F(HexFrameTest, CommandStatesFollowTheDocument)
     frame->OnUpdateCmdUI(Cmd::ViewWordWrap, ui);
     EXPECT_FALSE(ui.handled);
     EXPECT_FALSE(frame->OnCmdMsg(Cmd::ViewWordWrap));
+}
+
+TEST_F(HexFrameTest, ReadOnlyDocumentOffersNoChangingCommand)
+{
+    path = MakeFile("abcdef");
+    document = new TestDocument;
+    document->SetReadOnly(true);
+    ASSERT_TRUE(document->OnOpenDocument(path));
+    frame = new TestFrame(document);
+    frame->View()->SelectAll();
+    QApplication::clipboard()->setText(QStringLiteral("00"));
+    for (const int id : {int(Cmd::EditUndo), int(Cmd::EditRedo), int(Cmd::EditCut),
+                         int(Cmd::EditPaste)}) {
+        CCmdUI ui;
+        frame->OnUpdateCmdUI(id, ui);
+        EXPECT_TRUE(ui.handled);
+        EXPECT_FALSE(ui.enabled) << id;
+    }
+    CCmdUI copy;
+    frame->OnUpdateCmdUI(Cmd::EditCopy, copy);
+    EXPECT_TRUE(copy.enabled);
+    EXPECT_TRUE(frame->OnCmdMsg(Cmd::EditCut));
+    EXPECT_TRUE(frame->OnCmdMsg(Cmd::EditPaste));
+    EXPECT_EQ(document->Bytes().Read(0, document->Size()), QByteArray("abcdef"));
 }
 
 TEST_F(HexFrameTest, FindSelectsMatchesAndRepeatsBothWays)

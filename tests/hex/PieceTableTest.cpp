@@ -76,6 +76,24 @@ TEST(PieceTable, TypingRunsStayOnePiece)
                                    + QByteArray(50, 'c') + QByteArray(30, 'a'));
 }
 
+TEST(PieceTable, MarksTypedBytesOnly)
+{
+    CPieceTable table;
+    ASSERT_TRUE(table.Open(MakeFile("0123456789"), nullptr));
+    ASSERT_TRUE(table.Overwrite(2, "ab"));
+    ASSERT_TRUE(table.Insert(6, "X"));
+    ASSERT_TRUE(table.Remove(0, 1));
+    // Now "1ab45X6789": the typed bytes are at 1, 2 and 5.
+    ASSERT_EQ(table.Read(0, table.Size()), QByteArray("1ab45X6789"));
+    std::vector<uchar> flags(10, 7);
+    ASSERT_TRUE(table.MarkChanged(0, 10, flags.data()));
+    EXPECT_EQ(flags, (std::vector<uchar>{0, 1, 1, 0, 0, 1, 0, 0, 0, 0}));
+    std::vector<uchar> part(3, 7);
+    ASSERT_TRUE(table.MarkChanged(4, 3, part.data()));
+    EXPECT_EQ(part, (std::vector<uchar>{0, 1, 0}));
+    EXPECT_FALSE(table.MarkChanged(8, 3, part.data()));
+}
+
 TEST(PieceTable, MergedEditsUndoAsOneStep)
 {
     CPieceTable table;
