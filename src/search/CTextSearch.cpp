@@ -220,6 +220,9 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
         // A match before `next` cannot come from a forward search; stop rather than loop.
         if (found == -1 || found < next)
             break;
+        // An empty match at the end of a selection's lines (a "^") is on the next line.
+        if (selectionOnly && found >= rangeEnd)
+            break;
         pos = found;
     }
     if (selectionOnly)

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -84,6 +85,41 @@ QString TextOfLine(const char* data, std::size_t length)
 }
 
 } // namespace
+
+FileSearcher::Detection FileSearcher::Detect(const char* data, std::size_t length)
+{
+    if (length > std::size_t(TextFileDetector::SampleSize))
+        length = TextFileDetector::SampleSize;
+    // Most files of a source tree are plain ASCII. For such a sample the detector's
+    // answer is known without its byte-by-byte walk: no zero bytes, so neither 16-bit
+    // text nor binary; no sequence longer than a byte, so not UTF-8 either; only the
+    // UTF-7 mark is made of ASCII, so the mark table is still asked.
+    bool plainAscii = length >= 2;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(data);
+    std::size_t i = 0;
+    for (; plainAscii && i + 8 <= length; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes + i, 8);
+        // High bit set, or a zero byte, in any of the eight.
+        const std::uint64_t zero = (word - 0x0101010101010101ULL) & ~word & 0x8080808080808080ULL;
+        if ((word & 0x8080808080808080ULL) || zero)
+            plainAscii = false;
+    }
+    for (; plainAscii && i < length; ++i) {
+        if (bytes[i] == 0 || bytes[i] >= 0x80)
+            plainAscii = false;
+    }
+    if (plainAscii) {
+        int code = 0;
+        int mark = 0;
+        TextFileDetector::DetectMark(bytes, length, code, mark);
+        if (code == TextEncoding::Ansi)
+            return {TextEncoding::Ansi, 0, false};
+    }
+    TextFileDetector detector;
+    detector.ExamineBuffer(data, length);
+    return {detector.Encoding(), detector.BomLength(), detector.IsBinary()};
+}
 
 FileSearcher::FileSearcher(const SearchQuery& query, int tabWidth)
     : m_matcher(query)
@@ -187,21 +223,20 @@ FileSearcher::Outcome FileSearcher::Search(const QByteArray& path, QList<FindInF
             std::size_t textLength = 0;
             if (first) {
                 first = false;
-                TextFileDetector detector;
-                detector.ExamineBuffer(target.data(), std::size_t(got));
-                if (detector.IsBinary())
+                const Detection detected = Detect(target.data(), std::size_t(got));
+                if (detected.binary)
                     return Outcome::Binary;
-                const int encoding = detector.Encoding();
+                const int encoding = detected.encoding;
                 heldAsUtf8 = TextEncoding::HeldAsUtf8(encoding);
                 if (encoding == TextEncoding::Utf8 || encoding == TextEncoding::Ansi) {
                     // The mark is not part of the text the editor shows.
-                    const std::size_t mark = encoding == TextEncoding::Utf8 ? std::size_t(detector.BomLength()) : 0;
+                    const std::size_t mark = encoding == TextEncoding::Utf8 ? std::size_t(detected.bomLength) : 0;
                     const std::size_t skip = std::min<std::size_t>(mark, std::size_t(got));
                     std::memmove(m_text.data(), m_text.data() + skip, std::size_t(got) - skip);
                     textLength = std::size_t(got) - skip;
                 } else {
                     decoding = true;
-                    reader.emplace(encoding, detector.BomLength());
+                    reader.emplace(encoding, detected.bomLength);
                     m_raw.assign(m_text.data(), std::size_t(got));
                 }
             } else if (!decoding) {

@@ -29,6 +29,16 @@ public:
     // stretch around the match between ellipses.
     static QString LineExcerpt(const char* line, std::size_t length, std::size_t matchOffset);
 
+    // What the editor's detector says of a file that starts with these bytes, with a
+    // quick answer for plain ASCII.
+    struct Detection
+    {
+        int encoding;
+        int bomLength;
+        bool binary;
+    };
+    static Detection Detect(const char* data, std::size_t length);
+
     static constexpr std::size_t PieceSize = 4 * 1024 * 1024;
 
 private:

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QKeySequence>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <functional>
+
+class CFindDialog;
+class CMainFrame;
+class CMFCScintilla;
+class CReplaceDialog;
+class QComboBox;
+class QWidget;
+
+// Find and replace for the main window: the commands Find..., Replace..., Find Next and
+// Find Previous, the two modeless dialogs (at most one of them at a time), and the
+// routines through which every search and replacement reaches the active text view.
+class CSearchCommands : public QObject
+{
+    Q_OBJECT
+public:
+    // The control of the active text view, or null when no text view is active.
+    using EditorProvider = std::function<CMFCScintilla*()>;
+
+    // `window` parents the dialogs and the messages; the find box is looked up below it.
+    CSearchCommands(QWidget* window, EditorProvider activeEditor);
+    ~CSearchCommands() override;
+
+    // Registers the four commands with the frame (replacing any earlier handlers) and
+    // returns the object, a child of the frame. Calling it again returns the same object.
+    static CSearchCommands* Install(CMainFrame* frame);
+    // The object Install made for `frame`, or null.
+    static CSearchCommands* Of(const QObject* frame);
+
+    // Destroys the dialogs without writing their options, as when the main window closes.
+    void DestroyDialogs();
+
+    void ShowFindDialog(const QString& text);
+    void ShowReplaceDialog(const QString& text);
+    CFindDialog* FindDialog() const { return m_findDialog; }
+    CReplaceDialog* ReplaceDialog() const { return m_replaceDialog; }
+
+    // The commands.
+    void OnEditFind();
+    void OnEditReplace();
+    // Find Next (`previous` false) and Find Previous from the toolbar find box: no options,
+    // wrap only going down.
+    void OnFindNextFromBox(bool previous);
+
+    // The routines the dialogs hand their searches to.
+    void FindInActiveView(const QString& text, bool matchCase, bool matchWord, bool regExp,
+                          bool searchUp, bool wrapAround);
+    void MarkAllInActiveView(const QString& text, bool matchCase, bool matchWord, bool regExp);
+    long ReplaceInActiveView(const QString& find, const QString& replace, bool matchCase,
+                             bool matchWord, bool regExp, bool selectionScope, bool replaceAll,
+                             long lastFound);
+
+    CMFCScintilla* ActiveEditor() const { return m_activeEditor ? m_activeEditor() : nullptr; }
+    QString LastSearchText() const { return m_lastSearchText; }
+    // The key of a main window command, so that a dialog can offer it too.
+    QKeySequence CommandShortcut(int id) const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QComboBox* FindBox() const;
+    void RefreshFindBox();
+    void Information(const QString& text) const;
+    QWidget* MessageParent() const;
+
+    QPointer<QWidget> m_window;
+    EditorProvider m_activeEditor;
+    CMainFrame* m_frame = nullptr;
+    QPointer<CFindDialog> m_findDialog;
+    QPointer<CReplaceDialog> m_replaceDialog;
+    // The view of the last replacement: another view makes the next Replace only find.
+    QPointer<CMFCScintilla> m_replaceView;
+    QString m_lastSearchText;
+};

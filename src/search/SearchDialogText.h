@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+// The note both search dialogs show under their options: which expressions are accepted.
+inline QString RegularExpressionHelpText()
+{
+    return QCoreApplication::translate(
+        "SearchDialogs",
+        "Regular expressions use the ECMAScript (C++11) syntax, one line at a time: "
+        "groups ( ), alternation |, classes [a-z] [^0-9], \\d \\w \\s \\b and their "
+        "negations, quantifiers * + ? {n,m}, anchors ^ and $. The replacement text is "
+        "inserted as it stands.");
+}
