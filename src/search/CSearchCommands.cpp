@@ -8,6 +8,7 @@
 #include "app/CMainFrame.h"
 #include "app/CommandIds.h"
 #include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
 

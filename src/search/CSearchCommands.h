@@ -1,15 +1,16 @@
 #pragma once
 
+#include "CFindDialog.h"
+#include "CReplaceDialog.h"
+
 #include <QKeySequence>
 #include <QObject>
 #include <QPointer>
 #include <QString>
 #include <functional>
 
-class CFindDialog;
 class CMainFrame;
 class CMFCScintilla;
-class CReplaceDialog;
 class QComboBox;
 class QWidget;
 
