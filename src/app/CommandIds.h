@@ -91,6 +91,7 @@ enum Id : int {
     TabsBottom = 32804,
     TabsToggle = 32805,
     CloseAllButSelected = 28002,
+    WindowNew = 57648,
     CheckForUpdates = 250,
     HelpTopics = 32827,
     HelpContents = 32828,

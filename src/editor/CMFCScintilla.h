@@ -2,6 +2,7 @@
 
 #include <Qsci/qsciscintillabase.h>
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 
 // The editing control. Everything that talks to Scintilla goes through here: plain
@@ -12,6 +13,10 @@ class CMFCScintilla : public QsciScintillaBase
     Q_OBJECT
 public:
     static constexpr int BookmarkMarker = 1;
+    static constexpr int BookmarkMask = 1 << BookmarkMarker;
+    static constexpr int FoldMargin = 2;
+    // The marker that stands for the insertion point of selected text in templates.
+    static constexpr const char* ReplaceMarker = "<%REPLACE%>";
     static constexpr int LineNumberStyle = STYLE_LINENUMBER; // 33
     static constexpr int LineNumberMargin = 1;
 
@@ -113,4 +118,90 @@ public:
     bool CanUndo() const;
     bool CanRedo() const;
     bool CanPaste() const;
+
+    // Text of the control from and to a QString, in the control's code page.
+    QByteArray ToControlText(const QString& text) const;
+    QString FromControlText(const QByteArray& bytes) const;
+
+    // Removes every bookmark; other markers stay.
+    void MarkerDeleteAll();
+    // The byte at `position` (-1: the target's end), 0 outside the text.
+    int GetCharAt(long position = -1) const;
+    // Unfolds and shows every line from that of the smaller position to that of the larger.
+    void EnsureRangeVisible(long a, long b);
+    void SelectWord(long position);
+    // Selects the line without its line end.
+    void SelectLine(long line);
+    // Deletes the word the caret stands in, from its start to its end.
+    void DeleteWord();
+    // A tab; with no selection the caret first goes to the line's start, so the whole
+    // line moves right.
+    void Indent();
+    static bool IsBrace(int c);
+    // Toggles the fold of a header line; true when it is now expanded.
+    bool ToggleFold(long line);
+    // The fold markers and the lexer properties; off leaves margin 2's width alone.
+    void SetFolding(bool on);
+
+    struct BraceMatch
+    {
+        long brace = -1;   // position of the brace next to the caret
+        long partner = -1; // its partner
+        bool colon = false; // a ":" that opens a block (Python)
+    };
+    // The brace before the caret, or with `sloppy` the one after it, and its partner.
+    BraceMatch FindMatchingBrace(bool sloppy) const;
+    // Lights the brace at the caret and its partner, or marks a lone brace as bad.
+    void HighlightBrace();
+    void ClearBraceHighlight();
+
+    // Puts `token` and a blank at the start of every selected line, or takes the token
+    // (and the blank behind it) away. One undo step. A selection ending at column 0 of
+    // a line leaves that line alone.
+    void CommentLines(bool comment, const QByteArray& token);
+
+    // Inserts `text` with each "<%REPLACE%>" replaced by the selection: with no
+    // selection at the caret, which stays in front; otherwise over the selection.
+    void InsertWithSelection(const QString& text);
+    void InsertWithSelection(const QByteArray& text);
+    void InsertText(const QString& text) { InsertWithSelection(text); }
+    // The date and time in the locale's formats, inserted as InsertText does.
+    static QString DateText(const QDateTime& when);
+    static QString TimeText(const QDateTime& when);
+    void InsertDate();
+    void InsertTime();
+
+    // Adds the selection to the text on the clipboard (or puts it there when the
+    // clipboard holds no text). False when nothing was copied.
+    bool CopyAppend();
+    // CopyAppend, then the selection goes; it stays when it could not be copied.
+    void CutAppend();
+
+    // Sets or clears the bookmark of a line (-1: the caret's line).
+    void ToggleBookmark(long line = -1);
+    bool HasBookmark(long line) const;
+    // Goes to the next (or previous) bookmark, round the end of the text. Says "No more
+    // bookmarks have been found" when there is none elsewhere. With `anchor` the
+    // selection extends from the old anchor.
+    bool NextBookmark(bool forward, bool anchor);
+
+    // The selection (at most 99 bytes of a longer one) as the text to search for, kept
+    // in the settings as FindReplace/LastSelectedValue; with no selection the kept one.
+    QString GetSearchSeed();
+
+    // Called for each typed character: keeps the indent of the line above on a new
+    // line, one step more after an unmatched "{" when `indentAfterBrace`; a typed "}"
+    // takes the indent of the line of its partner.
+    void AutoIndent(int ch, bool indentAfterBrace);
+
+    // Moves the caret to a line with an explicit jump, which views record for navigation.
+    void JumpToLine(long line);
+
+Q_SIGNALS:
+    // The caret jumped by a command (bookmark, go to); positions before and after.
+    void caretJumped(long from, long to);
+    void contextMenuRequested(const QPoint& globalPos);
+
+protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
 };
