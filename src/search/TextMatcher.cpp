@@ -1,6 +1,8 @@
 #include "TextMatcher.h"
 
+#include <QStringDecoder>
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -38,7 +40,8 @@ std::size_t CountLines(const char* begin, const char* end)
 }
 
 // Maps UTF-16 offsets of a text made from bytes back to byte offsets, walking forward
-// from the last answer. Also counts the lines it passes, for whole blocks.
+// from the last answer; runs of ASCII go eight bytes at a time. Also keeps the line of
+// the last answer, counting only the stretch walked since.
 class OffsetWalker
 {
 public:
@@ -47,35 +50,54 @@ public:
 
     std::size_t ToByte(qsizetype unit)
     {
-        if (unit < m_unit)
-            Reset();
+        if (unit < m_unit) {
+            m_unit = 0;
+            m_byte = 0;
+        }
+        if (m_latin1) {
+            m_byte = std::min(std::size_t(unit), m_length);
+            m_unit = qsizetype(m_byte);
+        }
         while (m_unit < unit && m_byte < m_length) {
-            const auto c = static_cast<unsigned char>(m_bytes[m_byte]);
-            std::size_t width = 1;
-            if (!m_latin1)
-                width = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
-            if (c == '\n') {
-                ++m_newlines;
-                m_lineStart = m_byte + 1;
+            if (unit - m_unit >= 8 && m_byte + 8 <= m_length) {
+                std::uint64_t word;
+                std::memcpy(&word, m_bytes + m_byte, 8);
+                if (!(word & 0x8080808080808080ULL)) {
+                    m_byte += 8;
+                    m_unit += 8;
+                    continue;
+                }
             }
+            const auto c = static_cast<unsigned char>(m_bytes[m_byte]);
+            const std::size_t width = c < 0x80 ? 1 : c < 0xE0 ? 2 : c < 0xF0 ? 3 : 4;
             m_byte += width;
             m_unit += width == 4 ? 2 : 1;
         }
         return std::min(m_byte, m_length);
     }
-    std::size_t Newlines() const { return m_newlines; }
-    std::size_t LineStart() const { return m_lineStart; }
+
+    // Line number (from 0) and start of the line holding byte `at`; `at` must not go back.
+    void LineOf(std::size_t at, std::size_t& line, std::size_t& lineStart)
+    {
+        if (at < m_counted) {
+            m_counted = 0;
+            m_lines = 0;
+        }
+        const char* start = FindLineStart(m_bytes + m_counted, m_bytes + at);
+        m_lines += CountLines(m_bytes + m_counted, start);
+        m_counted = std::size_t(start - m_bytes);
+        line = m_lines;
+        lineStart = m_counted;
+    }
 
 private:
-    void Reset() { m_unit = 0; m_byte = 0; m_newlines = 0; m_lineStart = 0; }
-
     const char* m_bytes;
     std::size_t m_length;
     bool m_latin1;
     qsizetype m_unit = 0;
     std::size_t m_byte = 0;
-    std::size_t m_newlines = 0;
-    std::size_t m_lineStart = 0;
+    std::size_t m_counted = 0; // lines are counted up to this byte, a line start
+    std::size_t m_lines = 0;
 };
 
 // The bytes of `units` UTF-16 units of text made from the bytes at `from`.
@@ -94,11 +116,17 @@ std::size_t ByteSpan(const char* bytes, std::size_t length, std::size_t from, qs
     return std::min(b, length) - from;
 }
 
+// UTF-8 when the bytes are valid UTF-8, else byte for byte, so that offsets map back.
+// One pass: the decoder tells whether it met anything invalid.
 QString TextOf(const char* data, std::size_t length, bool& latin1)
 {
-    latin1 = !TextMatcher::IsValidUtf8(data, length);
-    return latin1 ? QString::fromLatin1(data, qsizetype(length))
-                  : QString::fromUtf8(data, qsizetype(length));
+    QStringDecoder decoder(QStringConverter::Utf8,
+                           QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom);
+    QString text = decoder.decode(QByteArrayView(data, qsizetype(length)));
+    latin1 = decoder.hasError();
+    if (latin1)
+        text = QString::fromLatin1(data, qsizetype(length));
+    return text;
 }
 
 } // namespace
@@ -267,8 +295,10 @@ bool TextMatcher::SearchWholeBlock(std::string_view block, qint64 firstLine, con
         const qsizetype start = match.capturedStart();
         const qsizetype end = match.capturedEnd();
         const std::size_t byteStart = walker.ToByte(start);
-        const qint64 line = firstLine + qint64(walker.Newlines());
-        const std::size_t lineStart = walker.LineStart();
+        std::size_t lineIndex = 0;
+        std::size_t lineStart = 0;
+        walker.LineOf(byteStart, lineIndex, lineStart);
+        const qint64 line = firstLine + qint64(lineIndex);
         const auto* eol = static_cast<const char*>(std::memchr(data + byteStart, '\n', size - byteStart));
         const std::size_t lineEnd = eol ? std::size_t(eol - data) : size;
         const qsizetype lineEndUnit = text.indexOf(QLatin1Char('\n'), start);

@@ -167,11 +167,18 @@ TEST(TextMatcher, WholeWordAppliesToExpressions)
 
 TEST(TextMatcher, InvalidUtf8IsMatchedByteForByte)
 {
-    // A Latin-1 "é" in an "Ansi" file: the expression still sees the ASCII around it.
-    const std::string text = "caf\xE9 = 1;\n";
-    const auto found = Scan(text, QStringLiteral("= [0-9]"), true, false, true);
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].matched, "= 1");
+    // A Latin-1 "é", an encoded surrogate, an overlong form, a cut sequence: the
+    // expression still finds the ASCII around them, at the right bytes.
+    for (const std::string bad : {"caf\xE9", "\xED\xA0\x80", "\xC0\xAF", "\xE2\x82"}) {
+        const std::string text = "a\n" + bad + " = 1; " + bad + " = 22;\n";
+        for (const QString& pattern : {QStringLiteral("= [0-9]+"), QStringLiteral("[=][ ][0-9]+")}) {
+            const auto found = Scan(text, pattern, true, false, true);
+            ASSERT_EQ(found.size(), 2u) << pattern.toStdString();
+            EXPECT_EQ(found[0].matched, "= 1");
+            EXPECT_EQ(found[1].matched, "= 22");
+            EXPECT_EQ(found[1].line, 2);
+        }
+    }
 }
 
 struct ColumnCase

@@ -393,3 +393,16 @@ TEST_F(TextSearchTest, SeedIsEmptyWithNothingRemembered)
 }
 
 } // namespace
+
+namespace {
+class Probe : public TextSearchTest, public ::testing::WithParamInterface<int> {};
+TEST_P(Probe, LongLine)
+{
+    SetText(QByteArray(GetParam(), 'a') + "b");
+    Search().SetSearchFlags(false, false, true);
+    EXPECT_EQ(Search().FindText(QStringLiteral("(a|c)*b"), false, true), 0);
+    EXPECT_EQ(Search().FindText(QStringLiteral(".*b"), false, true), 0);
+    EXPECT_EQ(Search().FindText(QStringLiteral("[a-z]+b"), false, true), 0);
+}
+INSTANTIATE_TEST_SUITE_P(P, Probe, ::testing::Values(5000, 10000, 20000, 40000, 80000, 120000));
+}
