@@ -4,11 +4,23 @@
 #include "editor/CMFCScintilla.h"
 
 #include <QSet>
+#include <algorithm>
+#include <QThread>
+
+#include <memory>
 
 namespace {
 
 const QString FindReplaceSection = QStringLiteral("FindReplace");
 const QString LastSelectedValue = QStringLiteral("LastSelectedValue");
+
+// std::regex recurses for every character it matches: a line of some ten thousand
+// characters exhausts the interface thread's stack. Expression searches over longer lines
+// run on a helper thread whose stack is sized to the longest line, while this thread
+// waits (so the control is never used by two threads at once).
+constexpr long ShortLine = 2000;
+constexpr quint64 BaseStack = 64ull << 20;
+constexpr quint64 StackPerByte = 4096;
 
 // The seed is cut to this many bytes when the selection is longer than SeedLimit.
 constexpr int SeedLimit = 100;
@@ -77,15 +89,56 @@ long CTextSearch::SearchRange(long start, long end, const QByteArray& text)
         return -1;
     m_editor->SetTargetStart(start);
     m_editor->SetTargetEnd(end);
-    long found = -1;
-    try {
-        // The C++11 engine reports an expression it cannot compile as -2 (or, in some
-        // builds, by an exception that the control lets through).
-        found = m_editor->SearchInTarget(text);
-    } catch (...) {
-        found = -1;
-    }
+    // The C++11 engine reports an expression it cannot compile as -2.
+    const long found = SearchInTarget(text);
     return found < 0 ? -1 : found;
+}
+
+long CTextSearch::SearchInTarget(const QByteArray& text)
+{
+    auto search = [this, &text]() -> long {
+        try {
+            return m_editor->SearchInTarget(text);
+        } catch (...) {
+            return -1;
+        }
+    };
+    const bool regExp = m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS)
+                        & QsciScintillaBase::SCFIND_REGEXP;
+    if (!regExp)
+        return search();
+    const long longest = LongestLine();
+    if (longest <= ShortLine)
+        return search();
+    if (longest > LongestExpressionLine)
+        return -1;
+
+    long found = -1;
+    bool ran = false;
+    std::unique_ptr<QThread> thread(QThread::create([&] {
+        found = search();
+        ran = true;
+    }));
+    thread->setStackSize(static_cast<uint>(BaseStack + StackPerByte * quint64(longest)));
+    thread->start();
+    thread->wait();
+    return ran ? found : -1;
+}
+
+long CTextSearch::LongestLine()
+{
+    if (m_longestLine >= 0)
+        return m_longestLine;
+    const long length = m_editor->GetLength();
+    if (length <= ShortLine)
+        return m_longestLine = length;
+    long longest = 0;
+    const long lines = m_editor->GetLineCount();
+    for (long line = 0; line < lines; ++line)
+        longest = std::max(longest, static_cast<long>(m_editor->SendScintilla(
+                                        QsciScintillaBase::SCI_LINELENGTH,
+                                        static_cast<unsigned long>(line))));
+    return m_longestLine = longest;
 }
 
 void CTextSearch::SelectTarget()
@@ -102,6 +155,7 @@ void CTextSearch::SelectTarget()
 
 long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
 {
+    m_longestLine = -1;
     const QByteArray bytes = Encode(text);
     const long length = m_editor->GetLength();
     long found = searchUp ? SearchRange(m_editor->GetSelectionStart(), 0, bytes)
@@ -119,6 +173,7 @@ long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
 
 bool CTextSearch::MarkAll(const QString& text)
 {
+    m_longestLine = -1;
     if (text.isEmpty())
         return false;
     const long caret = m_editor->GetCurrentPos();
@@ -163,6 +218,7 @@ bool CTextSearch::MarkAll(const QString& text)
 long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool selectionOnly,
                              bool useExpressionTags)
 {
+    m_longestLine = -1;
     const QByteArray findBytes = Encode(find);
     const QByteArray replaceBytes = Encode(replace);
     const long selStart = m_editor->GetSelectionStart();
@@ -206,6 +262,8 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
         else
             m_editor->ReplaceTarget(replaceBytes);
         rangeEnd += replacedLength - length;
+        if (m_longestLine >= 0 && replacedLength > length)
+            m_longestLine += replacedLength - length;
 
         // Behind the inserted text; a zero-length match (such as "$" or "^") steps one
         // character further, a whole line end ("\r\n" too) when it stood at one, so
@@ -236,6 +294,7 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
 long CTextSearch::ReplaceNext(const QString& find, const QString& replace,
                               bool useExpressionTags, long lastFound)
 {
+    m_longestLine = -1;
     if (lastFound != -1) {
         const long start = m_editor->GetSelectionStart();
         m_editor->SetTargetStart(start);

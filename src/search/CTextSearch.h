@@ -55,11 +55,19 @@ public:
     QByteArray Encode(const QString& text) const;
     QString Decode(const QByteArray& bytes) const;
 
+    // Lines longer than this are not searched with an expression (see SearchInTarget).
+    static constexpr long LongestExpressionLine = 512 * 1024;
+
 private:
     // SCI_SEARCHINTARGET over [start, end) (end before start searches backward). Any
     // failure, including an expression the engine refuses, is -1.
     long SearchRange(long start, long end, const QByteArray& text);
+    long SearchInTarget(const QByteArray& text);
+    long LongestLine();
     void SelectTarget();
 
     CMFCScintilla* m_editor;
+    // The longest line in bytes, measured once per operation (-1: not yet), and kept an
+    // upper bound while Replace All lengthens the text.
+    long m_longestLine = -1;
 };

@@ -30,7 +30,9 @@ public:
     bool Open(const QByteArray& path)
     {
 #ifdef Q_OS_UNIX
-        m_fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
+        // Non-blocking, so that a pseudo-file that waits for data (/proc/kmsg) gives an
+        // error instead of holding a thread for ever.
+        m_fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         if (m_fd < 0)
             return false;
         struct stat info;
@@ -275,8 +277,13 @@ FileSearcher::Outcome FileSearcher::Search(const QByteArray& path, QList<FindInF
             std::memmove(m_text.data(), m_text.data() + blockLength, carry);
             if (decoding)
                 m_text.resize(carry);
+            if (carry >= MaxLineLength) {
+                // Not text anyone reads line by line; holding it would risk the memory.
+                out.resize(firstMatch);
+                return Outcome::Unreadable;
+            }
             if (carry >= piece)
-                piece = std::min<std::size_t>(piece * 2, std::size_t(1) << 30); // one very long line
+                piece = std::min(piece * 2, MaxLineLength); // one very long line
         }
     } catch (const std::bad_alloc&) {
         // A line too long to hold: the file is counted as not read.

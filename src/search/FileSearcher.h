@@ -11,7 +11,8 @@
 // Searches one file the way the editor would read it: the encoding is detected from the
 // first bytes, "Ansi" and UTF-8 are searched as they lie, the 16- and 32-bit forms are
 // decoded to UTF-8 first. Binary files are left alone. Files are read in large pieces cut
-// at line ends, so a file of any size takes bounded memory unless one line is huge.
+// at line ends, so a file of any size takes bounded memory; a line longer than
+// MaxLineLength makes the file count as unreadable.
 // One per thread.
 class FileSearcher
 {
@@ -40,6 +41,8 @@ public:
     static Detection Detect(const char* data, std::size_t length);
 
     static constexpr std::size_t PieceSize = 4 * 1024 * 1024;
+    // A file with a longer line is counted as unreadable rather than held whole.
+    static constexpr std::size_t MaxLineLength = 256 * 1024 * 1024;
 
 private:
     TextMatcher m_matcher;
