@@ -75,6 +75,15 @@ CScrivelView::~CScrivelView()
         m_document->DetachView(m_editor);
 }
 
+const ViewSettings& CScrivelView::Settings() const
+{
+    // In the program the main frame's settings are the live ones: its toggles change
+    // them for every view at once.
+    if (const CMainFrame* frame = CMorvaneApp::MainFrame())
+        return frame->Settings().view;
+    return m_settings;
+}
+
 CScrivelFrame* CScrivelView::GetFrame() const
 {
     for (QWidget* widget = parentWidget(); widget; widget = widget->parentWidget()) {
@@ -138,7 +147,7 @@ void CScrivelView::SetFont(const QString& face, int size, bool bold, bool italic
     m_settings.FontBold = bold ? 1 : 0;
     m_settings.FontItalic = italic ? 1 : 0;
     m_editor->SetFont(face, size, bold, italic);
-    if (m_settings.LineNumbers)
+    if (Settings().LineNumbers)
         m_editor->SetLineNumberMargin(true);
 }
 
@@ -159,12 +168,12 @@ void CScrivelView::SetFolding(bool on)
 
 void CScrivelView::ApplyParser(const CSyntaxParser& parser)
 {
-    SyntaxApplier::Apply(*m_editor, parser, m_settings);
+    SyntaxApplier::Apply(*m_editor, parser, Settings());
     // A new lexer starts without the fold properties.
-    m_editor->SetFolding(m_settings.CodeFolding != 0);
+    m_editor->SetFolding(Settings().CodeFolding != 0);
     // Clearing the styles took the line numbers' colour and font too.
     m_editor->SendScintilla(Sci::SCI_STYLESETFORE, CMFCScintilla::LineNumberStyle, LineNumberColour);
-    SetFont(m_settings.FontStyle, m_settings.FontSize, m_settings.FontBold != 0, m_settings.FontItalic != 0);
+    SetFont(Settings().FontStyle, Settings().FontSize, Settings().FontBold != 0, Settings().FontItalic != 0);
 }
 
 QString CScrivelView::PositionText() const
@@ -239,7 +248,7 @@ void CScrivelView::OnUpdateUi()
         if (CMainFrame* frame = CMorvaneApp::MainFrame())
             frame->RequestCommandUpdate();
     }
-    if (m_settings.MatchBracket)
+    if (Settings().MatchBracket)
         m_editor->HighlightBrace();
 }
 
@@ -249,9 +258,9 @@ void CScrivelView::OnModified(int position, int type, const char* text, int leng
     Q_UNUSED(position);
     Q_UNUSED(text);
     Q_UNUSED(length);
-    if ((type & Sci::SC_MOD_CHANGEFOLD) && m_settings.CodeFolding)
+    if ((type & Sci::SC_MOD_CHANGEFOLD) && Settings().CodeFolding)
         OnFoldChanged(line, foldNow, foldPrev);
-    if (linesAdded != 0 && m_settings.LineNumbers)
+    if (linesAdded != 0 && Settings().LineNumbers)
         m_editor->SetLineNumberMargin(true);
 }
 
@@ -267,7 +276,7 @@ void CScrivelView::OnMarginClick(int position, int modifiers, int margin)
         m_editor->SelectLine(line);
         break;
     case CMFCScintilla::FoldMargin:
-        if (m_settings.CodeFolding && (m_editor->GetFoldLevel(line) & Sci::SC_FOLDLEVELHEADERFLAG)) {
+        if (Settings().CodeFolding && (m_editor->GetFoldLevel(line) & Sci::SC_FOLDLEVELHEADERFLAG)) {
             if (m_editor->ToggleFold(line))
                 m_foldedLines.removeAll(line);
             else if (!m_foldedLines.contains(line))
@@ -401,10 +410,10 @@ bool CScrivelView::OnCmdMsg(int id)
     case Cmd::BookmarkClear: e.MarkerDeleteAll(); break;
     case Cmd::EditTabsToSpaces:
         // The search flags stay as the last search left them.
-        ConvertWholeDocument(QStringLiteral("\t"), QString(m_settings.TabWidth, QLatin1Char(' ')), -1);
+        ConvertWholeDocument(QStringLiteral("\t"), QString(Settings().TabWidth, QLatin1Char(' ')), -1);
         break;
     case Cmd::EditSpacesToTabs:
-        ConvertWholeDocument(QString(m_settings.TabWidth, QLatin1Char(' ')), QStringLiteral("\t"), -1);
+        ConvertWholeDocument(QString(Settings().TabWidth, QLatin1Char(' ')), QStringLiteral("\t"), -1);
         break;
     case Cmd::EditTrimTrailing:
         ConvertWholeDocument(QStringLiteral("[ \\t]+$"), QString(), Sci::SCFIND_REGEXP);

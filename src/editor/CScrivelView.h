@@ -32,7 +32,9 @@ public:
     // space, caret line, line numbers, folding, block selection, brace matching, tabs,
     // then the font.
     void ApplyViewSettings(const ViewSettings& settings);
-    const ViewSettings& Settings() const { return m_settings; }
+    // The settings the view works by: the main frame's where there is one, else the
+    // copy taken by ApplyViewSettings.
+    const ViewSettings& Settings() const;
     // The editor settings the frame changes on every view at once.
     void ApplyEditorSettings(bool useTabs, bool tabGuides, int tabWidth, quint32 caretColour,
                              int caretAlpha);

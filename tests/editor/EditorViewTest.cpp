@@ -234,6 +234,40 @@ TEST_F(EditorViewTest, TabsToSpacesUsesTheViewsTabWidth)
     EXPECT_EQ(Text(), "  x");
 }
 
+TEST_F(EditorViewTest, EditorSettingsReachTheControl)
+{
+    m_view->ApplyEditorSettings(true, true, 8, 0x123456, 90);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETUSETABS), 1);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETTABWIDTH), 8);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETINDENT), 8);
+    EXPECT_NE(m_editor->SendScintilla(Sci::SCI_GETINDENTATIONGUIDES), 0);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETCARETLINEBACK), 0x123456);
+    EXPECT_EQ(m_view->Settings().TabWidth, 8);
+    EXPECT_EQ(m_view->Settings().TabAsSpaces, 0);
+    m_view->ApplyEditorSettings(false, false, 3, 0x123456, 90);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETUSETABS), 0);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETINDENTATIONGUIDES), 0);
+}
+
+TEST_F(EditorViewTest, MatchBracketLightsBracesAsTheCaretMoves)
+{
+    ViewSettings settings = m_view->Settings();
+    settings.MatchBracket = 1;
+    m_view->ApplyViewSettings(settings);
+    SetText("  {\n  }");
+    m_editor->SendScintilla(Sci::SCI_SETHIGHLIGHTGUIDE, 7UL);
+    m_editor->GotoPos(3);
+    m_view->OnUpdateUi();
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), 2);
+
+    settings.MatchBracket = 0;
+    m_view->ApplyViewSettings(settings);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), 0) << "off clears the light";
+    m_editor->GotoPos(8);
+    m_view->OnUpdateUi();
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), 0);
+}
+
 TEST_F(EditorViewTest, SelectCommands)
 {
     SetText("alpha beta\ngamma");

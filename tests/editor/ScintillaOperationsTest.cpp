@@ -362,6 +362,59 @@ INSTANTIATE_TEST_SUITE_P(Cases, BraceTest,
                                            BraceCase{"no_brace", "abc", 2, true, -1, -1},
                                            BraceCase{"caret_at_start", "(a)", 0, false, -1, -1}));
 
+struct GuideCase
+{
+    const char* name;
+    QByteArray text;
+    long caret;
+    long guide;
+};
+
+std::ostream& operator<<(std::ostream& out, const GuideCase& c)
+{
+    return out << c.name;
+}
+
+class HighlightGuideTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<GuideCase>
+{
+};
+
+TEST_P(HighlightGuideTest, GuideStandsOnTheSmallerColumnOfThePair)
+{
+    const GuideCase& c = GetParam();
+    SetText(c.text);
+    m_editor->SendScintilla(Sci::SCI_SETHIGHLIGHTGUIDE, 9UL);
+    m_editor->GotoPos(c.caret);
+    m_editor->HighlightBrace();
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), c.guide);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, HighlightGuideTest,
+                         ::testing::Values(GuideCase{"indented_block", "    {\n        x;\n    }", 23, 4},
+                                           GuideCase{"opening_brace", "  {\n  }", 3, 2},
+                                           GuideCase{"pair_on_one_line", "ab(cd)", 6, 2},
+                                           GuideCase{"lone_brace_clears_the_guide", "    {\n", 5, 0},
+                                           GuideCase{"no_brace_clears_the_guide", "    x", 5, 0}));
+
+TEST_F(ScintillaOperationsTest, PythonColonOpensABlockUpToItsLastChild)
+{
+    m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "python");
+    m_editor->SetFolding(true);
+    SetText("if x:\n    y = 1\n    z = 2\nw = 3\n");
+    m_editor->SendScintilla(Sci::SCI_COLOURISE, 0UL, -1L);
+    ASSERT_EQ(m_editor->GetStyleAt(4) & 31, 10) << "the lexer styles the colon as an operator";
+    m_editor->GotoPos(5);
+    const CMFCScintilla::BraceMatch match = m_editor->FindMatchingBrace(false);
+    EXPECT_TRUE(match.colon);
+    EXPECT_EQ(match.brace, 4);
+    EXPECT_EQ(match.partner, m_editor->GetLineEndPosition(2));
+
+    // The same colon in plain text is no brace.
+    m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "null");
+    m_editor->SendScintilla(Sci::SCI_COLOURISE, 0UL, -1L);
+    EXPECT_EQ(m_editor->FindMatchingBrace(false).brace, -1);
+}
+
 TEST_F(ScintillaOperationsTest, OnlyTheSixBracketsAreBraces)
 {
     for (char c : QByteArray("[](){}"))
