@@ -3,7 +3,7 @@
 #include "CHexDocument.h"
 #include "CHexEditView.h"
 #include "CHexGotoDialog.h"
-#include "CHexInspectorPanel.h"
+#include "CHexValuesPanel.h"
 #include "HexText.h"
 #include "app/CommandIds.h"
 
@@ -23,10 +23,10 @@ CHexFrame::CHexFrame(CHexDocument* document, QWidget* parent)
 {
     auto* splitter = new QSplitter(Qt::Horizontal, this);
     m_view = new CHexEditView(document, splitter);
-    m_inspector = new CHexInspectorPanel(splitter);
+    m_valuesPanel = new CHexValuesPanel(splitter);
     splitter->addWidget(m_view);
-    splitter->addWidget(m_inspector);
-    // The view's rows have a fixed width; room beyond it goes to the inspector.
+    splitter->addWidget(m_valuesPanel);
+    // The view's rows have a fixed width; room beyond it goes to the values panel.
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
     splitter->setCollapsible(0, false);
@@ -64,7 +64,7 @@ QString CHexFrame::StatusText() const
 void CHexFrame::UpdateStatus()
 {
     if (const CHexDocument* document = GetHexDocument())
-        m_inspector->ShowAt(document->Bytes(), m_view->CaretOffset());
+        m_valuesPanel->ShowAt(document->Bytes(), m_view->CaretOffset());
     Q_EMIT statusTextChanged(StatusText());
 }
 

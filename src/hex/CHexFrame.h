@@ -7,9 +7,9 @@
 
 class CHexDocument;
 class CHexEditView;
-class CHexInspectorPanel;
+class CHexValuesPanel;
 
-// The MDI child of a binary document: the hex view with the inspector beside it. It
+// The MDI child of a binary document: the hex view with the values panel beside it. It
 // answers the edit commands and keeps the status text (caret offset, selection, mode).
 class CHexFrame : public CChildFrame
 {
@@ -20,7 +20,7 @@ public:
 
     CHexDocument* GetHexDocument() const;
     CHexEditView* View() const { return m_view; }
-    CHexInspectorPanel* Inspector() const { return m_inspector; }
+    CHexValuesPanel* ValuesPanel() const { return m_valuesPanel; }
 
     QString StatusText() const override;
     void OnInitialUpdate() override;
@@ -44,7 +44,7 @@ private:
     void FindNext(bool forward);
 
     CHexEditView* m_view;
-    CHexInspectorPanel* m_inspector;
+    CHexValuesPanel* m_valuesPanel;
     CHexFindRequest m_lastFind;
     QString m_lastFindText;
 };

@@ -8,7 +8,7 @@
 #include "hex/CHexFindDialog.h"
 #include "hex/CHexFrame.h"
 #include "hex/CHexGotoDialog.h"
-#include "hex/CHexInspectorPanel.h"
+#include "hex/CHexValuesPanel.h"
 #include "hex/HexTemplate.h"
 
 #include "TestSupport.h"
@@ -303,7 +303,7 @@ TEST_F(HexFrameTest, FindSelectsMatchesAndRepeatsBothWays)
     EXPECT_EQ(frame->View()->SelectionStart(), 10);
 }
 
-TEST_F(HexFrameTest, GotoMovesTheCaretAndInspectorFollows)
+TEST_F(HexFrameTest, GotoMovesTheCaretAndValuesPanelFollows)
 {
     QByteArray bytes(64, '\0');
     bytes[40] = char(0xFE);
@@ -312,12 +312,12 @@ TEST_F(HexFrameTest, GotoMovesTheCaretAndInspectorFollows)
     frame->gotoAnswer = 40;
     ASSERT_TRUE(frame->OnCmdMsg(Cmd::EditGoto));
     EXPECT_EQ(frame->View()->CaretOffset(), 40);
-    EXPECT_EQ(frame->Inspector()->ValueText(QStringLiteral("Int16"), true), QStringLiteral("-2"));
-    EXPECT_EQ(frame->Inspector()->ValueText(QStringLiteral("UInt16"), false),
+    EXPECT_EQ(frame->ValuesPanel()->ValueText(QStringLiteral("Int16"), true), QStringLiteral("-2"));
+    EXPECT_EQ(frame->ValuesPanel()->ValueText(QStringLiteral("UInt16"), false),
               QStringLiteral("65279"));
     frame->View()->SetCaret(63);
-    EXPECT_EQ(frame->Inspector()->ValueText(QStringLiteral("UInt8"), true), QStringLiteral("0"));
-    EXPECT_EQ(frame->Inspector()->ValueText(QStringLiteral("UInt16"), true), QStringLiteral("-"));
+    EXPECT_EQ(frame->ValuesPanel()->ValueText(QStringLiteral("UInt8"), true), QStringLiteral("0"));
+    EXPECT_EQ(frame->ValuesPanel()->ValueText(QStringLiteral("UInt16"), true), QStringLiteral("-"));
 }
 
 TEST(HexTemplate, OpensDocumentsInFramesAndHonoursReadOnly)

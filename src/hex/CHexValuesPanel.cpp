@@ -1,6 +1,6 @@
-#include "CHexInspectorPanel.h"
+#include "CHexValuesPanel.h"
 
-#include "ByteInspector.h"
+#include "ByteInterpreter.h"
 #include "CPieceTable.h"
 
 #include <QHeaderView>
@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-CHexInspectorPanel::CHexInspectorPanel(QWidget* parent)
+CHexValuesPanel::CHexValuesPanel(QWidget* parent)
     : QWidget(parent)
     , m_table(new QTableWidget(this))
 {
@@ -25,7 +25,7 @@ CHexInspectorPanel::CHexInspectorPanel(QWidget* parent)
     m_table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_table->setWordWrap(false);
-    const auto rows = ByteInspector::Inspect(nullptr, 0);
+    const auto rows = ByteInterpreter::Inspect(nullptr, 0);
     m_table->setRowCount(int(rows.size()));
     for (int r = 0; r < rows.size(); ++r) {
         m_table->setItem(r, 0, new QTableWidgetItem(rows[r].type));
@@ -34,13 +34,13 @@ CHexInspectorPanel::CHexInspectorPanel(QWidget* parent)
     }
 }
 
-void CHexInspectorPanel::ShowAt(const CPieceTable& bytes, qint64 offset)
+void CHexValuesPanel::ShowAt(const CPieceTable& bytes, qint64 offset)
 {
     uchar data[8] = {};
     int available = int(std::clamp<qint64>(bytes.Size() - offset, 0, 8));
     if (available > 0 && !bytes.Read(offset, available, data))
         available = 0;
-    const auto rows = ByteInspector::Inspect(data, available);
+    const auto rows = ByteInterpreter::Inspect(data, available);
     const QString none = QStringLiteral("-");
     for (int r = 0; r < rows.size() && r < m_table->rowCount(); ++r) {
         m_table->item(r, 1)->setText(rows[r].littleEndian.isEmpty() ? none : rows[r].littleEndian);
@@ -48,7 +48,7 @@ void CHexInspectorPanel::ShowAt(const CPieceTable& bytes, qint64 offset)
     }
 }
 
-QString CHexInspectorPanel::ValueText(const QString& type, bool littleEndian) const
+QString CHexValuesPanel::ValueText(const QString& type, bool littleEndian) const
 {
     for (int r = 0; r < m_table->rowCount(); ++r) {
         if (m_table->item(r, 0)->text() == type)

@@ -4,7 +4,7 @@
 #include <QString>
 
 // The values the bytes under the caret stand for, in both byte orders.
-namespace ByteInspector {
+namespace ByteInterpreter {
 
 struct Row
 {
@@ -16,4 +16,4 @@ struct Row
 // `available` is the number of bytes readable at `data` (at most 8 are looked at).
 QList<Row> Inspect(const uchar* data, int available);
 
-} // namespace ByteInspector
+} // namespace ByteInterpreter

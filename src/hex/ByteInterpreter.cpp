@@ -1,4 +1,4 @@
-#include "ByteInspector.h"
+#include "ByteInterpreter.h"
 
 #include <QtEndian>
 #include <cstring>
@@ -26,7 +26,7 @@ QString Real(const uchar* data, int available, bool little)
 }
 
 template <typename T>
-ByteInspector::Row IntegerRow(const char* name, const uchar* data, int available)
+ByteInterpreter::Row IntegerRow(const char* name, const uchar* data, int available)
 {
     return {QLatin1String(name), Integer<T>(data, available, true),
             Integer<T>(data, available, false)};
@@ -34,7 +34,7 @@ ByteInspector::Row IntegerRow(const char* name, const uchar* data, int available
 
 } // namespace
 
-namespace ByteInspector {
+namespace ByteInterpreter {
 
 QList<Row> Inspect(const uchar* data, int available)
 {
@@ -54,4 +54,4 @@ QList<Row> Inspect(const uchar* data, int available)
     };
 }
 
-} // namespace ByteInspector
+} // namespace ByteInterpreter

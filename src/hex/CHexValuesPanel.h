@@ -7,11 +7,11 @@ class CPieceTable;
 
 // The values the bytes under the caret stand for: signed and unsigned integers of 8 to
 // 64 bits and floating-point numbers, little- and big-endian side by side.
-class CHexInspectorPanel : public QWidget
+class CHexValuesPanel : public QWidget
 {
     Q_OBJECT
 public:
-    explicit CHexInspectorPanel(QWidget* parent = nullptr);
+    explicit CHexValuesPanel(QWidget* parent = nullptr);
 
     // Shows the bytes from `offset` on (at most eight are read).
     void ShowAt(const CPieceTable& bytes, qint64 offset);
