@@ -66,6 +66,17 @@ bool CScrivelFrame::SelectParser(int index)
     return true;
 }
 
+int CScrivelFrame::ApplyParserForExtension(const CSyntaxParserList& parsers, const QString& extension)
+{
+    m_parserList = &parsers;
+    const int index = parsers.FindByExtension(extension);
+    if (index >= 0) {
+        SetParser(index, parsers.GetParser(index));
+        m_view->ApplyParser(m_parser);
+    }
+    return index;
+}
+
 QString CScrivelFrame::CommentToken() const
 {
     return HasParser() ? CurrentParser().lineComment : QString();
@@ -100,6 +111,13 @@ CScrivelFrame* CScrivelFrame::OpenNewWindow()
 QString CScrivelFrame::StatusText() const
 {
     return m_view->PositionText();
+}
+
+void CScrivelFrame::OnInitialUpdate()
+{
+    // Loading the text is no change of the user's.
+    if (CDocument* document = GetDocument())
+        document->SetModifiedFlag(false);
 }
 
 bool CScrivelFrame::OnCmdMsg(int id)

@@ -27,6 +27,11 @@ public:
     // Chooses parser `index` of the list when it exists: stores it and applies it to
     // the view. False when there is no such parser.
     bool SelectParser(int index);
+    // Chooses the first parser of `parsers` that claims `extension` (with its dot; ".*"
+    // for a new document), stores it and applies it; the list becomes the one View As
+    // chooses from. Returns the index, or -1 (the control left as it is) when no parser
+    // claims the extension.
+    int ApplyParserForExtension(const CSyntaxParserList& parsers, const QString& extension);
     // The line comment of the frame's parser; empty when there is none.
     QString CommentToken() const;
     // Whether the frame's parser indents after an opening brace.
@@ -41,6 +46,7 @@ public:
     CScrivelFrame* OpenNewWindow();
 
     QString StatusText() const override;
+    void OnInitialUpdate() override;
     bool OnCmdMsg(int id) override;
     void OnUpdateCmdUI(int id, CCmdUI& ui) const override;
 

@@ -367,6 +367,12 @@ TEST_F(EditorViewTest, ViewAsChoosesAParserOfTheList)
 
     ASSERT_TRUE(Run(Cmd::ViewAsFirst + 5)) << "a number past the list is taken and ignored";
     EXPECT_EQ(m_frame->GetParserIndex(), 1);
+
+    // By extension: the first parser that claims it; none leaves the choice alone.
+    EXPECT_EQ(m_frame->ApplyParserForExtension(list, QStringLiteral(".X")), 0);
+    EXPECT_EQ(m_frame->CommentToken(), QStringLiteral("--"));
+    EXPECT_EQ(m_frame->ApplyParserForExtension(list, QStringLiteral(".none")), -1);
+    EXPECT_EQ(m_frame->GetParserIndex(), 0);
 }
 
 // Notifications ----------------------------------------------------------------------------
