@@ -3,8 +3,10 @@
 void NavigationHistory::Add(const void* view, long position)
 {
     const Entry entry{view, position};
-    if (m_entries.contains(entry)) {
-        m_cursor = int(m_entries.indexOf(entry));
+    const qsizetype existing = m_entries.indexOf(entry);
+    if (existing >= 0) {
+        if (existing != m_cursor)
+            m_cursor = int(m_entries.size()) - 1;
         return;
     }
     m_entries.append(entry);
@@ -17,6 +19,7 @@ bool NavigationHistory::Back(Entry& entry)
 {
     if (!CanGoBack())
         return false;
+    // From one past the newest entry, the newest is the first step back.
     entry = m_entries.at(--m_cursor);
     return true;
 }
@@ -35,7 +38,7 @@ bool NavigationHistory::Forward(Entry& entry)
 
 void NavigationHistory::RemoveView(const void* view)
 {
-    const int before = int(m_entries.size());
+    const qsizetype before = m_entries.size();
     m_entries.removeIf([view](const Entry& e) { return e.view == view; });
     if (before != m_entries.size())
         m_cursor = int(m_entries.size()) - 1;

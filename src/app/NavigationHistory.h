@@ -4,6 +4,10 @@
 
 // Caret positions to go back and forward to: pairs of view and position, at most 20,
 // no pair twice, the oldest dropped first.
+//
+// The cursor is the index of the entry the user stands on. After an add it stands on
+// the newest entry; Back steps towards the oldest, Forward towards the newest and may
+// step one past it (to Count()), which yields no entry.
 class NavigationHistory
 {
 public:
@@ -16,7 +20,9 @@ public:
         bool operator==(const Entry&) const = default;
     };
 
-    // Records a position; afterwards the cursor stands on the newest entry.
+    // Records a position. A pair already stored is not stored again; when it is the one
+    // the cursor stands on (the echo of a jump made by Back or Forward) the cursor stays,
+    // otherwise the cursor moves to the newest entry.
     void Add(const void* view, long position);
     // Steps back or forward; false (and no entry) when there is nowhere to go.
     bool Back(Entry& entry);
