@@ -207,8 +207,14 @@ void CScrivelView::RecordNavigation(long from, long to)
     CMorvaneApp* app = CMorvaneApp::Instance();
     if (!app || from == to)
         return;
-    app->GetNavigation().Add(this, from);
-    app->GetNavigation().Add(this, to);
+    NavigationHistory& history = app->GetNavigation();
+    // A step back or forward through the history lands on the entry under its cursor;
+    // recording it again would move the cursor to the newest entry.
+    const int cursor = history.Cursor();
+    if (cursor >= 0 && cursor < history.Count() && history.Entries().at(cursor) == NavigationHistory::Entry{this, to})
+        return;
+    history.Add(this, from);
+    history.Add(this, to);
 }
 
 QByteArray CScrivelView::CommentToken() const

@@ -83,6 +83,26 @@ TEST_F(EditorViewAppTest, GotoPositionRecordsWhereTheCaretCameFromAndWent)
     EXPECT_EQ(back.position, 0);
 }
 
+TEST_F(EditorViewAppTest, SteppingBackThroughTheHistoryIsNotRecordedAgain)
+{
+    const long first = m_editor->PositionFromLine(200);
+    const long second = m_editor->PositionFromLine(400);
+    m_view->GotoPosition(first);
+    m_view->GotoPosition(second);
+    ASSERT_EQ(History().Count(), 3); // 0, first, second
+
+    // What the main window's Back does: take the entry, put the caret there.
+    for (long expected : {first, 0L}) {
+        Entry entry;
+        ASSERT_TRUE(History().Back(entry));
+        EXPECT_EQ(entry.position, expected);
+        m_editor->GotoPos(entry.position);
+        m_view->OnUpdateUi();
+    }
+    EXPECT_EQ(History().Cursor(), 0) << "the caret's moves did not pull the cursor forward";
+    EXPECT_EQ(History().Count(), 3);
+}
+
 TEST_F(EditorViewAppTest, OnlyJumpsOfMoreThanAScreenAreRecorded)
 {
     const long screen = m_editor->SendScintilla(Sci::SCI_LINESONSCREEN);
