@@ -144,8 +144,10 @@ TEST_F(FindInFilesDialogTest, FiltersComeFirstAndTheChosenOneIsRemembered)
 
 TEST_F(FindInFilesDialogTest, AcceptRecordsTheHistories)
 {
-    CFindInFilesDialog dialog(QStringLiteral("needle"), m_folder);
-    dialog.accept();
+    {
+        CFindInFilesDialog dialog(QStringLiteral("needle"), m_folder);
+        dialog.accept();
+    }
     CFindInFilesDialog again{QString(), QString()};
     EXPECT_EQ(again.findCombo()->history(), QStringList{"needle"});
     EXPECT_EQ(again.folderCombo()->history(), QStringList{QDir::toNativeSeparators(m_folder)});

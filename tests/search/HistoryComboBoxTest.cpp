@@ -51,6 +51,7 @@ TEST_F(HistoryComboBoxTest, KeepsTheFiftyNewest)
     ASSERT_EQ(history.size(), CHistoryComboBox::MaxEntries);
     EXPECT_EQ(history.first(), QStringLiteral("entry 59"));
     EXPECT_EQ(history.last(), QStringLiteral("entry 10"));
+    box.waitForSaved();
     EXPECT_EQ(Stored(QStringLiteral("ReplaceHistory")), history);
 }
 
@@ -75,6 +76,20 @@ TEST_F(HistoryComboBoxTest, PersistsAcrossInstancesWithTheSelectedRow)
     EXPECT_EQ(again.currentText(), QStringLiteral("/src/one"));
 }
 
+TEST_F(HistoryComboBoxTest, ABoxGoingAwayFinishesItsSave)
+{
+    {
+        CHistoryComboBox box;
+        box.setHistorySection(QStringLiteral("SearchHistory"));
+        for (int i = 0; i < 20; ++i)
+            box.addToHistory(QStringLiteral("burst %1").arg(i));
+    }
+    const QStringList stored = Stored(QStringLiteral("SearchHistory"));
+    ASSERT_EQ(stored.size(), 20);
+    EXPECT_EQ(stored.first(), QStringLiteral("burst 19"));
+    EXPECT_EQ(stored.last(), QStringLiteral("burst 0"));
+}
+
 TEST_F(HistoryComboBoxTest, SectionsAreSeparate)
 {
     CHistoryComboBox search;
@@ -83,6 +98,8 @@ TEST_F(HistoryComboBoxTest, SectionsAreSeparate)
     replace.setHistorySection(QStringLiteral("ReplaceHistory"));
     search.addToHistory(QStringLiteral("find me"));
     replace.addToHistory(QStringLiteral("put me"));
+    search.waitForSaved();
+    replace.waitForSaved();
     EXPECT_EQ(Stored(QStringLiteral("SearchHistory")), QStringList{"find me"});
     EXPECT_EQ(Stored(QStringLiteral("ReplaceHistory")), QStringList{"put me"});
 }
@@ -105,6 +122,7 @@ TEST_F(HistoryComboBoxTest, HandEditedStoreLoadsCleanAndShrinksOnSave)
     EXPECT_TRUE(box.currentText().isEmpty());
 
     box.addToHistory(QStringLiteral("d"));
+    box.waitForSaved();
     EXPECT_EQ(Stored(section), (QStringList{"d", "a", "b", "c"}));
     EXPECT_FALSE(store.HasValue(section, QStringLiteral("7")));
 }
@@ -120,6 +138,7 @@ TEST_F(HistoryComboBoxTest, FixedRowsStayOnTopAndAreNeverStored)
     EXPECT_EQ(box.itemText(0), QStringLiteral("C++ (*.cpp;*.h)"));
     EXPECT_EQ(box.count(), 1 + CHistoryComboBox::MaxEntries);
     EXPECT_EQ(box.currentIndex(), 0);
+    box.waitForSaved();
     const QStringList stored = Stored(QStringLiteral("FindInFilesTypes"));
     EXPECT_EQ(stored.size(), CHistoryComboBox::MaxEntries);
     EXPECT_FALSE(stored.contains(QStringLiteral("C++ (*.cpp;*.h)")));
