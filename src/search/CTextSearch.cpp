@@ -3,24 +3,14 @@
 #include "app/CRegistryStore.h"
 #include "editor/CMFCScintilla.h"
 
-#include <QSet>
-#include <algorithm>
-#include <QThread>
+#include "ExpressionSearch.h"
 
-#include <memory>
+#include <QSet>
 
 namespace {
 
 const QString FindReplaceSection = QStringLiteral("FindReplace");
 const QString LastSelectedValue = QStringLiteral("LastSelectedValue");
-
-// std::regex recurses for every character it matches: a line of some ten thousand
-// characters exhausts the interface thread's stack. Expression searches over longer lines
-// run on a helper thread whose stack is sized to the longest line, while this thread
-// waits (so the control is never used by two threads at once).
-constexpr long ShortLine = 2000;
-constexpr quint64 BaseStack = 64ull << 20;
-constexpr quint64 StackPerByte = 4096;
 
 // The seed is cut to this many bytes when the selection is longer than SeedLimit.
 constexpr int SeedLimit = 100;
@@ -43,6 +33,9 @@ CTextSearch::CTextSearch(CMFCScintilla* editor)
     : m_editor(editor)
 {
 }
+
+CTextSearch::~CTextSearch() = default;
+CTextSearch::CTextSearch(CTextSearch&&) noexcept = default;
 
 int CTextSearch::SearchFlags(bool matchCase, bool wholeWord, bool regExp)
 {
@@ -83,62 +76,46 @@ QString CTextSearch::Decode(const QByteArray& bytes) const
                                                     : QString::fromLocal8Bit(bytes);
 }
 
+bool CTextSearch::ExpressionsOn() const
+{
+    return m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS)
+           & QsciScintillaBase::SCFIND_REGEXP;
+}
+
 long CTextSearch::SearchRange(long start, long end, const QByteArray& text)
 {
     if (text.isEmpty())
         return -1;
-    m_editor->SetTargetStart(start);
-    m_editor->SetTargetEnd(end);
-    // The C++11 engine reports an expression it cannot compile as -2.
-    const long found = SearchInTarget(text);
-    return found < 0 ? -1 : found;
-}
-
-long CTextSearch::SearchInTarget(const QByteArray& text)
-{
-    auto search = [this, &text]() -> long {
-        try {
-            return m_editor->SearchInTarget(text);
-        } catch (...) {
-            return -1;
-        }
-    };
-    const bool regExp = m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS)
-                        & QsciScintillaBase::SCFIND_REGEXP;
-    if (!regExp)
-        return search();
-    const long longest = LongestLine();
-    if (longest <= ShortLine)
-        return search();
-    if (longest > LongestExpressionLine)
+    const int flags = static_cast<int>(m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS));
+    if (!(flags & QsciScintillaBase::SCFIND_REGEXP)) {
+        m_editor->SetTargetStart(start);
+        m_editor->SetTargetEnd(end);
+        const long found = m_editor->SearchInTarget(text);
+        return found < 0 ? -1 : found;
+    }
+    if (!m_expression || m_expressionText != text || m_expressionFlags != flags) {
+        m_expression = std::make_unique<ExpressionSearch>(
+            m_editor, Decode(text), flags & QsciScintillaBase::SCFIND_MATCHCASE,
+            flags & QsciScintillaBase::SCFIND_WHOLEWORD);
+        m_expressionText = text;
+        m_expressionFlags = flags;
+    }
+    long matchEnd = -1;
+    const long found = m_expression->Find(start, end, matchEnd);
+    if (found < 0)
         return -1;
-
-    long found = -1;
-    bool ran = false;
-    std::unique_ptr<QThread> thread(QThread::create([&] {
-        found = search();
-        ran = true;
-    }));
-    thread->setStackSize(static_cast<uint>(BaseStack + StackPerByte * quint64(longest)));
-    thread->start();
-    thread->wait();
-    return ran ? found : -1;
+    m_editor->SetTargetStart(found);
+    m_editor->SetTargetEnd(matchEnd);
+    return found;
 }
 
-long CTextSearch::LongestLine()
+long CTextSearch::ReplaceTarget(const QByteArray& replacement, bool useExpressionTags)
 {
-    if (m_longestLine >= 0)
-        return m_longestLine;
-    const long length = m_editor->GetLength();
-    if (length <= ShortLine)
-        return m_longestLine = length;
-    long longest = 0;
-    const long lines = m_editor->GetLineCount();
-    for (long line = 0; line < lines; ++line)
-        longest = std::max(longest, static_cast<long>(m_editor->SendScintilla(
-                                        QsciScintillaBase::SCI_LINELENGTH,
-                                        static_cast<unsigned long>(line))));
-    return m_longestLine = longest;
+    if (!useExpressionTags)
+        return m_editor->ReplaceTarget(replacement);
+    if (m_expression && ExpressionsOn())
+        return m_editor->ReplaceTarget(m_expression->Expand(replacement));
+    return m_editor->ReplaceTargetRE(replacement);
 }
 
 void CTextSearch::SelectTarget()
@@ -155,7 +132,6 @@ void CTextSearch::SelectTarget()
 
 long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
 {
-    m_longestLine = -1;
     const QByteArray bytes = Encode(text);
     const long length = m_editor->GetLength();
     long found = searchUp ? SearchRange(m_editor->GetSelectionStart(), 0, bytes)
@@ -173,7 +149,6 @@ long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
 
 bool CTextSearch::MarkAll(const QString& text)
 {
-    m_longestLine = -1;
     if (text.isEmpty())
         return false;
     const long caret = m_editor->GetCurrentPos();
@@ -218,7 +193,6 @@ bool CTextSearch::MarkAll(const QString& text)
 long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool selectionOnly,
                              bool useExpressionTags)
 {
-    m_longestLine = -1;
     const QByteArray findBytes = Encode(find);
     const QByteArray replaceBytes = Encode(replace);
     const long selStart = m_editor->GetSelectionStart();
@@ -258,12 +232,10 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
         long replacedLength = replaceBytes.size();
         const bool zeroLength = length < 1;
         if (useExpressionTags)
-            replacedLength = m_editor->ReplaceTargetRE(replaceBytes);
+            replacedLength = ReplaceTarget(replaceBytes, true);
         else
-            m_editor->ReplaceTarget(replaceBytes);
+            ReplaceTarget(replaceBytes, false);
         rangeEnd += replacedLength - length;
-        if (m_longestLine >= 0 && replacedLength > length)
-            m_longestLine += replacedLength - length;
 
         // Behind the inserted text; a zero-length match (such as "$" or "^") steps one
         // character further, a whole line end ("\r\n" too) when it stood at one, so
@@ -294,14 +266,15 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
 long CTextSearch::ReplaceNext(const QString& find, const QString& replace,
                               bool useExpressionTags, long lastFound)
 {
-    m_longestLine = -1;
     if (lastFound != -1) {
         const long start = m_editor->GetSelectionStart();
+        const long end = m_editor->GetSelectionEnd();
+        // The tags come from matching the selection again.
+        if (useExpressionTags && ExpressionsOn())
+            SearchRange(start, end, Encode(find));
         m_editor->SetTargetStart(start);
-        m_editor->SetTargetEnd(m_editor->GetSelectionEnd());
-        const QByteArray bytes = Encode(replace);
-        const long length = useExpressionTags ? m_editor->ReplaceTargetRE(bytes)
-                                              : m_editor->ReplaceTarget(bytes);
+        m_editor->SetTargetEnd(end);
+        const long length = ReplaceTarget(Encode(replace), useExpressionTags);
         m_editor->SetSel(start, start + length);
     }
     return FindText(find, false, true);

@@ -3,7 +3,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
+
 class CMFCScintilla;
+class ExpressionSearch;
 
 // The search routines of a text view, over its control's target search. Find Next, Find
 // Previous, Mark All, Replace and Replace All all pass through here. Made on the stack
@@ -15,9 +18,11 @@ class CTextSearch
 {
 public:
     explicit CTextSearch(CMFCScintilla* editor);
+    ~CTextSearch();
+    CTextSearch(CTextSearch&&) noexcept;
 
-    // Scintilla flags of the three options. Regular expressions use the control's C++11
-    // (ECMAScript) engine: groups, alternation, classes, \d \w \s \b, quantifiers.
+    // Scintilla flags of the three options. Expressions are matched with PCRE2 syntax
+    // (groups, alternation, classes, \d \w \s \b, quantifiers), one line at a time.
     static int SearchFlags(bool matchCase, bool wholeWord, bool regExp);
     void SetSearchFlags(bool matchCase, bool wholeWord, bool regExp);
     void SetSearchFlags(int scintillaFlags);
@@ -55,19 +60,20 @@ public:
     QByteArray Encode(const QString& text) const;
     QString Decode(const QByteArray& bytes) const;
 
-    // Lines longer than this are not searched with an expression (see SearchInTarget).
-    static constexpr long LongestExpressionLine = 512 * 1024;
-
 private:
-    // SCI_SEARCHINTARGET over [start, end) (end before start searches backward). Any
-    // failure, including an expression the engine refuses, is -1.
+    // The target search over [start, end) (end before start searches backward); the
+    // target holds the match afterwards. Any failure, including an invalid expression,
+    // is -1.
     long SearchRange(long start, long end, const QByteArray& text);
-    long SearchInTarget(const QByteArray& text);
-    long LongestLine();
+    // Replaces the target; with `useExpressionTags`, \0..\9 of the last match expanded.
+    // Returns the length of the inserted text.
+    long ReplaceTarget(const QByteArray& replacement, bool useExpressionTags);
+    bool ExpressionsOn() const;
     void SelectTarget();
 
     CMFCScintilla* m_editor;
-    // The longest line in bytes, measured once per operation (-1: not yet), and kept an
-    // upper bound while Replace All lengthens the text.
-    long m_longestLine = -1;
+    // The compiled expression of this operation, made at its first search.
+    std::unique_ptr<ExpressionSearch> m_expression;
+    QByteArray m_expressionText;
+    int m_expressionFlags = 0;
 };

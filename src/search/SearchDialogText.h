@@ -8,8 +8,8 @@ inline QString RegularExpressionHelpText()
 {
     return QCoreApplication::translate(
         "SearchDialogs",
-        "Regular expressions use the ECMAScript (C++11) syntax, one line at a time: "
+        "Regular expressions use the Perl-compatible (PCRE2) syntax, one line at a time: "
         "groups ( ), alternation |, classes [a-z] [^0-9], \\d \\w \\s \\b and their "
-        "negations, quantifiers * + ? {n,m}, anchors ^ and $. The replacement text is "
-        "inserted as it stands.");
+        "negations, quantifiers * + ? {n,m} and their lazy forms, anchors ^ and $. "
+        "The replacement text is inserted as it stands.");
 }

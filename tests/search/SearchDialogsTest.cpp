@@ -503,7 +503,7 @@ TEST_F(SearchDialogsTest, DialogsSayWhichExpressionsTheyAccept)
 {
     m_commands->ShowFindDialog(QString());
     const QString help = Child<QLabel>(m_commands->FindDialog(), "regExpHelp")->text();
-    EXPECT_TRUE(help.contains(QStringLiteral("ECMAScript")));
+    EXPECT_TRUE(help.contains(QStringLiteral("PCRE2")));
     EXPECT_TRUE(help.contains(QStringLiteral("\\d")));
     m_commands->ShowReplaceDialog(QString());
     EXPECT_EQ(Child<QLabel>(m_commands->ReplaceDialog(), "regExpHelp")->text(), help);
