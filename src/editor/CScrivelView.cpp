@@ -161,6 +161,10 @@ void CScrivelView::SetFolding(bool on)
                 m_editor->ToggleFold(line);
         }
         m_foldedLines.clear();
+        // Lines inserted above a fold moved it away from the number kept for it.
+        for (long line = m_editor->SendScintilla(Sci::SCI_CONTRACTEDFOLDNEXT, 0UL); line >= 0;
+             line = m_editor->SendScintilla(Sci::SCI_CONTRACTEDFOLDNEXT, static_cast<unsigned long>(line + 1)))
+            m_editor->ToggleFold(line);
     }
     m_settings.CodeFolding = on ? 1 : 0;
     m_editor->SetFolding(on);

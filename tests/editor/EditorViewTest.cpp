@@ -511,6 +511,18 @@ TEST_F(FoldingViewTest, FoldingOffUnfoldsEverything)
     EXPECT_TRUE(m_editor->GetLineVisible(1));
 }
 
+TEST_F(FoldingViewTest, FoldingOffUnfoldsBlocksThatMovedSinceTheyWereFolded)
+{
+    m_view->OnMarginClick(int(m_editor->PositionFromLine(2)), 0, CMFCScintilla::FoldMargin);
+    ASSERT_FALSE(m_editor->GetLineVisible(3));
+    m_editor->SendScintilla(Sci::SCI_INSERTTEXT, 0UL, "// one\n// two\n");
+    m_editor->SendScintilla(Sci::SCI_COLOURISE, 0UL, -1L);
+    ASSERT_FALSE(m_editor->GetLineVisible(5)) << "the folded block moved down two lines";
+    m_view->SetFolding(false);
+    for (long line = 0; line < m_editor->GetLineCount(); ++line)
+        EXPECT_TRUE(m_editor->GetLineVisible(line)) << line;
+}
+
 TEST_F(FoldingViewTest, RemovingAFoldedHeaderShowsItsBlock)
 {
     m_view->OnMarginClick(0, 0, CMFCScintilla::FoldMargin);
