@@ -561,7 +561,8 @@ void CMFCScintilla::SelectLine(long line)
 void CMFCScintilla::DeleteWord()
 {
     const long end = SendScintilla(SCI_WORDENDPOSITION, static_cast<unsigned long>(GetCurrentPos()), 1L);
-    SetCurrentPos(end);
+    // A selection is dropped first: the word at the caret goes, nothing else.
+    GotoPos(end);
     SendScintilla(SCI_DELWORDLEFT);
 }
 
