@@ -665,8 +665,9 @@ void CMainFrame::OnFrameCreated(CChildFrame* frame)
             m_app->GetNavigation().RemoveView(editor);
         });
     }
-    if (!TabsInstalled())
-        frame->showMaximized();
+    // Every document fills the area, with or without tabs, even when it arrives while
+    // the window is still hidden at start-up.
+    frame->showMaximized();
     connect(frame, &QWidget::windowTitleChanged, this, &CMainFrame::UpdateTitle);
     connect(frame, &QObject::destroyed, this, &CMainFrame::UpdateTitle, Qt::QueuedConnection);
     UpdateTitle();

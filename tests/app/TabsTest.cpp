@@ -29,6 +29,9 @@ TEST_F(TabsTest, StartShowsTabsAtTheTopWithTheFlagClear)
     EXPECT_EQ(Flag(), 0);
     EXPECT_TRUE(Checked(Cmd::TabsToggle));
     EXPECT_TRUE(Checked(Cmd::TabsTop));
+    // The first document came while the window was still hidden and fills the area.
+    ASSERT_EQ(Frame()->ChildFrames().size(), 1);
+    EXPECT_TRUE(Frame()->ChildFrames().first()->isMaximized());
 }
 
 TEST_F(TabsTest, TheFirstHideInstallsAgainAndOnlyTheSecondHides)
