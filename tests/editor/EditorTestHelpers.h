@@ -8,7 +8,8 @@
 // Helpers shared by the editor view tests.
 namespace EditorTest {
 
-// Closes every message box that opens while it lives, keeping its text and icon.
+// Closes every message box that opens while it lives, keeping its text and its icon
+// (TestSupport::ModalAnswerer keeps the text only).
 class MessageRecorder : public QObject
 {
 public:

@@ -312,7 +312,7 @@ TEST_F(EditorViewTest, BookmarkCommands)
     ASSERT_TRUE(Run(Cmd::BookmarkPrevious));
     EXPECT_EQ(m_editor->GetCurrentLine(), 1);
     ASSERT_TRUE(Run(Cmd::BookmarkClear));
-    EditorTest::MessageRecorder messages;
+    TestSupport::ModalAnswerer messages;
     ASSERT_TRUE(Run(Cmd::BookmarkNext));
     EXPECT_EQ(messages.Texts(), QStringList{QStringLiteral("No more bookmarks have been found")});
     EXPECT_TRUE(State(Cmd::BookmarkToggle).enabled);

@@ -509,7 +509,7 @@ TEST_F(BookmarkTest, NextAndPreviousWrapAroundTheEnds)
     m_editor->ToggleBookmark(2);
     m_editor->ToggleBookmark(7);
     m_editor->GotoLine(3);
-    MessageRecorder messages;
+    TestSupport::ModalAnswerer messages;
     EXPECT_TRUE(m_editor->NextBookmark(true, false));
     EXPECT_EQ(Line(), 7);
     EXPECT_TRUE(m_editor->NextBookmark(true, false));
