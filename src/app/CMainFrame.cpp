@@ -459,6 +459,8 @@ void CMainFrame::CreateMenus()
     add(window, {WindowNew, CloseAllButSelected, 0, TabsToggle, TabsLeft, TabsTop, TabsRight,
                  TabsBottom});
     refreshOnShow(window);
+    m_windowMenu = window;
+    connect(window, &QMenu::aboutToShow, this, &CMainFrame::RebuildWindowList);
 
     QMenu* help = menuBar()->addMenu(tr("&Help"));
     help->setObjectName(QStringLiteral("HelpMenu"));
@@ -570,6 +572,35 @@ void CMainFrame::UpdateIndicators()
 QString CMainFrame::FindText() const
 {
     return m_findBox ? m_findBox->currentText() : QString();
+}
+
+void CMainFrame::RebuildWindowList()
+{
+    // The open documents below the window commands, the active one checked.
+    qDeleteAll(std::exchange(m_windowListActions, {}));
+    const auto frames = ChildFrames();
+    if (frames.isEmpty())
+        return;
+    m_windowListActions << m_windowMenu->addSeparator();
+    CChildFrame* active = ActiveChild();
+    int number = 1;
+    for (CChildFrame* frame : frames) {
+        const QString title = frame->windowTitle();
+        QAction* action = m_windowMenu->addAction(
+            number <= 9 ? QStringLiteral("&%1 %2").arg(number).arg(title) : title);
+        action->setCheckable(true);
+        action->setChecked(frame == active);
+        QPointer<CChildFrame> target(frame);
+        connect(action, &QAction::triggered, this, [this, target] {
+            if (!target)
+                return;
+            if (target->isMinimized())
+                target->showNormal();
+            m_mdiArea->setActiveSubWindow(target);
+        });
+        m_windowListActions << action;
+        ++number;
+    }
 }
 
 void CMainFrame::RebuildRecentFilesMenu()

@@ -115,6 +115,7 @@ private:
     void CreateToolBar();
     void CreateStatusBar();
     void RebuildRecentFilesMenu();
+    void RebuildWindowList();
     void OnSubWindowActivated(QMdiSubWindow* window);
     void UpdateTitle();
     void UpdateIndicators();
@@ -146,6 +147,8 @@ private:
     QMenu* m_recentMenu = nullptr;
     QMenu* m_viewAsMenu = nullptr;
     QMenu* m_viewMenu = nullptr;
+    QMenu* m_windowMenu = nullptr;
+    QList<QAction*> m_windowListActions;
     QMenu* m_tabContextMenu = nullptr;
     QToolBar* m_toolBar = nullptr;
     CHistoryComboBox* m_findBox = nullptr;

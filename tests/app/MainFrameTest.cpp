@@ -11,6 +11,9 @@
 #include <QFontDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMenu>
+#include <QToolBar>
+#include <QWidgetAction>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMap>
@@ -346,6 +349,56 @@ TEST_F(MainFrameTest, NewWindowShowsTheSameTextInASecondFrame)
     Settle();
     EXPECT_EQ(Frame()->ChildFrames().size(), 1);
     EXPECT_EQ(first->GetView()->GetEditor()->GetText(), QByteArray("one\ntwo"));
+}
+
+TEST_F(MainFrameTest, WindowMenuListsTheOpenDocumentsAndBringsOneForward)
+{
+    StartEmpty();
+    CScrivelFrame* a = OpenText(QStringLiteral("a.txt"));
+    ASSERT_TRUE(a);
+    ASSERT_TRUE(OpenHex(QStringLiteral("b.bin")));
+    auto* menu = Frame()->findChild<QMenu*>(QStringLiteral("WindowMenu"));
+    ASSERT_TRUE(menu);
+
+    auto listed = [menu] {
+        QStringList entries;
+        for (QAction* action : menu->actions()) {
+            if (!action->data().isValid() && action->isCheckable())
+                entries << action->text() + (action->isChecked() ? QStringLiteral(" *") : QString());
+        }
+        return entries;
+    };
+    Q_EMIT menu->aboutToShow();
+    EXPECT_EQ(listed(), (QStringList{QStringLiteral("&1 a.txt"), QStringLiteral("&2 b.bin *")}));
+
+    for (QAction* action : menu->actions()) {
+        if (action->text() == QStringLiteral("&1 a.txt"))
+            action->trigger();
+    }
+    EXPECT_EQ(Frame()->ActiveChild(), a);
+
+    // Shown again, the list is rebuilt rather than added to.
+    CloseAllDocuments();
+    ASSERT_TRUE(OpenText(QStringLiteral("c.txt")));
+    Q_EMIT menu->aboutToShow();
+    EXPECT_EQ(listed(), QStringList{QStringLiteral("&1 c.txt *")});
+}
+
+TEST_F(MainFrameTest, ToolbarIconSizeFollowsTheSettingReadAtStart)
+{
+    for (const auto& [large, size] : {std::pair{1, 24}, std::pair{0, 16}}) {
+        App()->Shutdown();
+        CRegistryStore().WriteProfileInt(QStringLiteral("ViewSettings"), QStringLiteral("LargeTBIcons"), large);
+        ASSERT_TRUE(App()->InitInstance({}));
+        auto* bar = Frame()->findChild<QToolBar*>(QStringLiteral("StandardToolBar"));
+        ASSERT_TRUE(bar);
+        EXPECT_EQ(bar->iconSize(), QSize(size, size)) << large;
+        // Every button on the bar has an icon.
+        for (QAction* action : bar->actions()) {
+            if (!action->isSeparator() && !qobject_cast<QWidgetAction*>(action))
+                EXPECT_FALSE(action->icon().isNull()) << action->text().toStdString();
+        }
+    }
 }
 
 // --- Navigation ---------------------------------------------------------------------------
