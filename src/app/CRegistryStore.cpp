@@ -181,6 +181,23 @@ bool CRegistryStore::HasValue(const QString& section, const QString& name) const
     return settings.contains(Key(section, name));
 }
 
+bool CRegistryStore::ReplaceSection(const QString& section,
+                                    const QList<QPair<QString, QVariant>>& values)
+{
+    const auto store = Open(m_root);
+    QSettings& settings = *store;
+    if (!settings.isWritable())
+        return false;
+    const QString group = SectionGroup(section);
+    if (group.isEmpty())
+        return false; // never the whole application's settings
+    settings.remove(group);
+    for (const auto& [name, value] : values)
+        settings.setValue(Key(section, name), value);
+    settings.sync();
+    return settings.status() == QSettings::NoError;
+}
+
 bool CRegistryStore::DeleteKey(const QString& section, const QString& subkey)
 {
     QString path = section;

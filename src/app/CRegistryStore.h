@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QMap>
+#include <QPair>
+#include <QVariant>
 #include <QString>
 #include <QtGlobal>
 
@@ -30,6 +33,9 @@ public:
     // Value name to kind (0 number, 1 text), in name order. Returns the number of values.
     int EnumValues(const QString& section, QMap<QString, int>& values) const;
     bool HasValue(const QString& section, const QString& name) const;
+
+    // Makes the section hold exactly `values` (name, number or text) in one write.
+    bool ReplaceSection(const QString& section, const QList<QPair<QString, QVariant>>& values);
 
     bool DeleteKey(const QString& section, const QString& subkey);
     bool DeleteValue(const QString& section, const QString& name);

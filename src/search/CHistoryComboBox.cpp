@@ -2,81 +2,18 @@
 
 #include "app/CRegistryStore.h"
 
-#include <QFuture>
 #include <QLineEdit>
 #include <QSignalBlocker>
-#include <QtConcurrent/QtConcurrentRun>
-#include <mutex>
-#include <optional>
+#include <QTimer>
 
 namespace {
 
 const QString SelectedName = QStringLiteral("Selected");
 
-struct Snapshot
-{
-    QString section;
-    QStringList entries;
-    int selected = -1;
-};
-
-// Brings the section to `snapshot`, touching only the values that differ: reads are
-// cheap, each write is flushed to disk.
-void WriteSnapshot(const Snapshot& snapshot)
-{
-    CRegistryStore store;
-    for (int i = 0; i < snapshot.entries.size(); ++i) {
-        const QString name = QString::number(i);
-        if (!store.HasValue(snapshot.section, name)
-            || store.GetProfileString(snapshot.section, name) != snapshot.entries[i])
-            store.WriteProfileString(snapshot.section, name, snapshot.entries[i]);
-    }
-    // Numbers past the end may be left from a longer list, or from a hand edit.
-    QMap<QString, int> values;
-    store.EnumValues(snapshot.section, values);
-    for (auto it = values.cbegin(); it != values.cend(); ++it) {
-        bool isNumber = false;
-        const int index = it.key().toInt(&isNumber);
-        if (isNumber && (index < 0 || index >= snapshot.entries.size()))
-            store.DeleteValue(snapshot.section, it.key());
-    }
-    if (!store.HasValue(snapshot.section, SelectedName)
-        || store.GetProfileInt(snapshot.section, SelectedName, -1) != snapshot.selected)
-        store.WriteProfileInt(snapshot.section, SelectedName, snapshot.selected);
-}
-
 } // namespace
-
-// The newest state waiting to be written, and the worker writing it. Shared with the
-// worker, so that a box may go away while its last save finishes.
-struct CHistoryComboBox::SaveQueue
-{
-    std::mutex mutex;
-    std::optional<Snapshot> pending;
-    bool running = false;
-    QFuture<void> worker; // touched on the interface thread only
-
-    static void Drain(const std::shared_ptr<SaveQueue>& queue)
-    {
-        for (;;) {
-            Snapshot next;
-            {
-                std::lock_guard<std::mutex> lock(queue->mutex);
-                if (!queue->pending) {
-                    queue->running = false;
-                    return;
-                }
-                next = std::move(*queue->pending);
-                queue->pending.reset();
-            }
-            WriteSnapshot(next);
-        }
-    }
-};
 
 CHistoryComboBox::CHistoryComboBox(QWidget* parent)
     : QComboBox(parent)
-    , m_saves(std::make_shared<SaveQueue>())
 {
     setEditable(true);
     // We keep the order ourselves: Enter must not append or sort.
@@ -95,7 +32,21 @@ CHistoryComboBox::~CHistoryComboBox()
 
 void CHistoryComboBox::waitForSaved() const
 {
-    m_saves->worker.waitForFinished();
+    if (m_savePending)
+        WriteHistory();
+}
+
+void CHistoryComboBox::WriteHistory() const
+{
+    m_savePending = false;
+    if (m_section.isEmpty())
+        return;
+    QList<QPair<QString, QVariant>> values;
+    const QStringList entries = history();
+    for (int i = 0; i < entries.size(); ++i)
+        values.append({QString::number(i), entries.at(i)});
+    values.append({SelectedName, currentIndex()});
+    CRegistryStore().ReplaceSection(m_section, values);
 }
 
 QStringList CHistoryComboBox::history() const
@@ -143,15 +94,13 @@ void CHistoryComboBox::loadHistory()
 
 void CHistoryComboBox::saveHistory() const
 {
-    if (m_section.isEmpty())
+    if (m_section.isEmpty() || m_savePending)
         return;
-    Snapshot snapshot{m_section, history(), currentIndex()};
-    std::lock_guard<std::mutex> lock(m_saves->mutex);
-    m_saves->pending = std::move(snapshot);
-    if (!m_saves->running) {
-        m_saves->running = true;
-        m_saves->worker = QtConcurrent::run([queue = m_saves] { SaveQueue::Drain(queue); });
-    }
+    m_savePending = true;
+    QTimer::singleShot(0, this, [this] {
+        if (m_savePending)
+            WriteHistory();
+    });
 }
 
 void CHistoryComboBox::addToHistory(const QString& text)

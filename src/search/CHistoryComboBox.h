@@ -4,7 +4,6 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
-#include <memory>
 
 // An editable combo box that remembers what was entered, in a section of the settings
 // store: values "0", "1", ... newest first, and `Selected`, the chosen row. No entry
@@ -13,9 +12,8 @@
 // Fixed rows (such as file filters) may stand above the history; they are never stored
 // and never pushed out.
 //
-// Every write to the store is flushed to disk, and a new entry moves all the others, so
-// saving is done on a worker thread: only the values that changed are written, a burst
-// of saves collapses into one, and the box waits for its last save when destroyed.
+// A new entry moves all the others, so the section is written whole, once, when the
+// event loop is next idle: a burst of changes costs one write.
 class CHistoryComboBox : public QComboBox
 {
     Q_OBJECT
@@ -31,9 +29,10 @@ public:
     // Replaces the history rows with the stored ones and selects the stored row, if any.
     // The edit text is left empty when nothing is selected.
     void loadHistory();
-    // Writes the history rows and the current row to the store, in the background.
+    // Writes the history rows and the current row to the store when the event loop is
+    // next idle.
     void saveHistory() const;
-    // Returns once the saves asked for so far are in the store.
+    // Writes a save that is still waiting, now.
     void waitForSaved() const;
     // Puts `text` at the top of the history (removing an older copy), trims the list to
     // MaxEntries, selects it, and saves. Empty text and texts of fixed rows are ignored.
@@ -46,9 +45,9 @@ public:
     int fixedCount() const { return m_fixedCount; }
 
 private:
-    struct SaveQueue;
+    void WriteHistory() const;
 
-    std::shared_ptr<SaveQueue> m_saves;
+    mutable bool m_savePending = false;
     QString m_section;
     int m_fixedCount = 0;
 };
