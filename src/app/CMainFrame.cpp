@@ -231,7 +231,8 @@ void CMainFrame::CreateActions()
     AddCommand(FilePrint, tr("&Print..."), QKeySequence::Print, {});
     AddCommand(FilePrintPreview, tr("Print Pre&view"), QKeySequence(), {});
     AddCommand(FilePrintDirect, tr("Print &Direct"), QKeySequence(), {});
-    AddCommand(AppExit, tr("E&xit"), QKeySequence::Quit, [this] { close(); });
+    // Ctrl+Q comments lines here, so leaving takes the window's own key.
+    AddCommand(AppExit, tr("E&xit"), QKeySequence(QStringLiteral("Alt+F4")), [this] { close(); });
     AddCommand(AppAbout, tr("&About Morvane..."), QKeySequence(), [this] { m_app->OnAppAbout(); });
     AddCommand(CheckForUpdates, tr("Check for &Updates..."), QKeySequence(),
                [this] { OnCheckForUpdates(); });
@@ -585,7 +586,8 @@ void CMainFrame::RebuildWindowList()
     CChildFrame* active = ActiveChild();
     int number = 1;
     for (CChildFrame* frame : frames) {
-        const QString title = frame->windowTitle();
+        QString title = frame->windowTitle();
+        title.replace(QLatin1Char('&'), QStringLiteral("&&"));
         QAction* action = m_windowMenu->addAction(
             number <= 9 ? QStringLiteral("&%1 %2").arg(number).arg(title) : title);
         action->setCheckable(true);

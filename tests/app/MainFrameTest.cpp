@@ -384,6 +384,26 @@ TEST_F(MainFrameTest, WindowMenuListsTheOpenDocumentsAndBringsOneForward)
     EXPECT_EQ(listed(), QStringList{QStringLiteral("&1 c.txt *")});
 }
 
+TEST_F(MainFrameTest, NoTwoCommandsShareAKey)
+{
+    StartEmpty();
+    QMap<QString, QString> owners;
+    for (QAction* action : Frame()->findChildren<QAction*>()) {
+        for (const QKeySequence& key : action->shortcuts()) {
+            const QString name = key.toString();
+            EXPECT_FALSE(owners.contains(name))
+                << name.toStdString() << ": " << owners.value(name).toStdString() << " and "
+                << action->text().toStdString();
+            owners.insert(name, action->text());
+        }
+    }
+    // Keys the control needs for itself are never taken.
+    for (const char* key : {"Tab", "Shift+Tab", "Del", "Ins", "Backspace", "Return"})
+        EXPECT_FALSE(owners.contains(QKeySequence(QString::fromLatin1(key)).toString())) << key;
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+G")), QStringLiteral("Goto..."));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Q")), QStringLiteral("Comment"));
+}
+
 TEST_F(MainFrameTest, ToolbarIconSizeFollowsTheSettingReadAtStart)
 {
     for (const auto& [large, size] : {std::pair{1, 24}, std::pair{0, 16}}) {
