@@ -272,6 +272,12 @@ void CScrivelView::OnModified(int position, int type, const char* text, int leng
         OnFoldChanged(line, foldNow, foldPrev);
     if (linesAdded != 0 && Settings().LineNumbers)
         m_editor->SetLineNumberMargin(true);
+    // Undo, Redo and the like change with every edit; the menus catch up once the
+    // event loop is idle.
+    if (type & (Sci::SC_MOD_INSERTTEXT | Sci::SC_MOD_DELETETEXT)) {
+        if (CMainFrame* frame = CMorvaneApp::MainFrame())
+            frame->RequestCommandUpdate();
+    }
 }
 
 void CScrivelView::OnMarginClick(int position, int modifiers, int margin)

@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QMdiArea>
 #include <QMenu>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -205,6 +206,23 @@ TEST_F(EditorViewInMainFrameTest, ContextMenuSharesTheMainWindowsActions)
     upper->trigger();
     QApplication::processEvents();
     EXPECT_EQ(editor->GetText(), "ABC");
+}
+
+TEST_F(EditorViewInMainFrameTest, TypingRefreshesTheUndoCommand)
+{
+    CMainFrame* mainFrame = CMorvaneApp::MainFrame();
+    auto* document = qobject_cast<CScrivelDoc*>(CMorvaneApp::Instance()->NewDocument());
+    ASSERT_NE(document, nullptr);
+    auto* frame = qobject_cast<CScrivelFrame*>(document->GetFrames().first());
+    mainFrame->MdiArea()->setActiveSubWindow(frame);
+    mainFrame->UpdateCommandUI();
+    QAction* undo = mainFrame->Action(Cmd::EditUndo);
+    ASSERT_NE(undo, nullptr);
+    EXPECT_FALSE(undo->isEnabled());
+
+    QTest::keyClicks(frame->GetView()->GetEditor(), QStringLiteral("x"));
+    QApplication::processEvents();
+    EXPECT_TRUE(undo->isEnabled()) << "no command ran, the edit alone asked for the refresh";
 }
 
 } // namespace
