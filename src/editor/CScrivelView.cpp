@@ -117,8 +117,10 @@ void CScrivelView::ApplyViewSettings(const ViewSettings& settings)
     else
         m_editor->SetFolding(false);
     m_editor->SetBlockSelect(settings.BlockSelect != 0);
-    if (!settings.MatchBracket)
+    if (!settings.MatchBracket) {
         m_editor->ClearBraceHighlight();
+        m_braceLit = false;
+    }
     m_editor->SetUseTabs(settings.TabAsSpaces == 0);
     m_editor->SetIndentationGuides(settings.TabGuides ? Sci::SC_IV_LOOKBOTH : Sci::SC_IV_NONE);
     m_editor->SetTabWidth(settings.TabWidth);
@@ -258,8 +260,14 @@ void CScrivelView::OnUpdateUi()
         if (CMainFrame* frame = CMorvaneApp::MainFrame())
             frame->RequestCommandUpdate();
     }
-    if (Settings().MatchBracket)
+    if (Settings().MatchBracket) {
         m_editor->HighlightBrace();
+        m_braceLit = true;
+    } else if (m_braceLit) {
+        // Matching was switched off since the last light.
+        m_editor->ClearBraceHighlight();
+        m_braceLit = false;
+    }
 }
 
 void CScrivelView::OnModified(int position, int type, const char* text, int length, int linesAdded,

@@ -97,5 +97,6 @@ private:
     ViewSettings m_settings;
     QList<long> m_foldedLines;
     bool m_hasSelection = false;
+    bool m_braceLit = false;
     long m_lastCaret = 0;
 };

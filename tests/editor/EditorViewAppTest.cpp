@@ -208,6 +208,25 @@ TEST_F(EditorViewInMainFrameTest, ContextMenuSharesTheMainWindowsActions)
     EXPECT_EQ(editor->GetText(), "ABC");
 }
 
+TEST_F(EditorViewInMainFrameTest, ViewsFollowTheMainWindowsBraceSetting)
+{
+    CMainFrame* mainFrame = CMorvaneApp::MainFrame();
+    auto* document = qobject_cast<CScrivelDoc*>(CMorvaneApp::Instance()->NewDocument());
+    ASSERT_NE(document, nullptr);
+    CScrivelView* view = qobject_cast<CScrivelFrame*>(document->GetFrames().first())->GetView();
+    CMFCScintilla* editor = view->GetEditor();
+    editor->AddText("  {\n  }", 7);
+    editor->GotoPos(3);
+
+    mainFrame->Settings().view.MatchBracket = 1;
+    view->OnUpdateUi();
+    EXPECT_EQ(editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), 2);
+    // The toggle changes only the main window's setting; the light goes at the next update.
+    mainFrame->Settings().view.MatchBracket = 0;
+    view->OnUpdateUi();
+    EXPECT_EQ(editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), 0);
+}
+
 TEST_F(EditorViewInMainFrameTest, TypingRefreshesTheUndoCommand)
 {
     CMainFrame* mainFrame = CMorvaneApp::MainFrame();
