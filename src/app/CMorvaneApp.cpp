@@ -11,6 +11,8 @@
 #include "editor/CScrivelFrame.h"
 #include "editor/TextFileDetector.h"
 #include "hex/HexTemplate.h"
+#include "search/CFindInFilesCommands.h"
+#include "search/CSearchCommands.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -112,6 +114,10 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     m_pMainFrame = new CMainFrame(this);
     if (!m_pMainFrame->Create())
         return false;
+    CSearchCommands* search = CSearchCommands::Install(m_pMainFrame);
+    // The find and replace dialogs are the first thing to go when the window closes.
+    connect(m_pMainFrame, &CMainFrame::closing, search, &CSearchCommands::DestroyDialogs);
+    CFindInFilesCommands::Install(m_pMainFrame);
     for (CDocTemplate* docTemplate : {m_pTextTemplate, m_pHexTemplate})
         connect(docTemplate, &CDocTemplate::frameCreated, m_pMainFrame, &CMainFrame::OnFrameCreated);
     m_pTextTemplate->SetMdiArea(m_pMainFrame->MdiArea());

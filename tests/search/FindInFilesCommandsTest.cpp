@@ -1,0 +1,88 @@
+#include "app/CMainFrame.h"
+#include "app/CMorvaneApp.h"
+#include "app/CommandIds.h"
+#include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
+#include "search/CFindInFilesCommands.h"
+#include "search/CFindInFilesRunner.h"
+#include "tools/COutputBar.h"
+#include "TestSupport.h"
+
+#include <QAction>
+#include <QDir>
+#include <QSignalSpy>
+#include <QStringEncoder>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace {
+
+class FindInFilesCommandsTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        App()->Shutdown();
+        TestSupport::ClearSettings();
+        m_dir = TestSupport::MakeTempDir();
+        ASSERT_TRUE(App()->InitInstance({}));
+        m_commands = CFindInFilesCommands::Install(CMorvaneApp::MainFrame());
+    }
+    void TearDown() override { App()->Shutdown(); }
+    static CMorvaneApp* App() { return CMorvaneApp::Instance(); }
+
+    // Searches the folder and waits for the end.
+    void Search(const QString& text)
+    {
+        FindInFilesOptions options;
+        options.folder = m_dir;
+        options.text = text;
+        options.subFolders = true;
+        QSignalSpy finished(m_commands->Runner(), &CFindInFilesRunner::finished);
+        ASSERT_TRUE(m_commands->Runner()->start(options));
+        ASSERT_TRUE(finished.wait(10000));
+    }
+
+    QString m_dir;
+    CFindInFilesCommands* m_commands = nullptr;
+};
+
+TEST_F(FindInFilesCommandsTest, TheOutputBarFollowsItsCommand)
+{
+    CMainFrame* frame = CMorvaneApp::MainFrame();
+    QAction* toggle = frame->Action(Cmd::ViewOutputBar);
+    ASSERT_NE(toggle, nullptr);
+    const bool before = m_commands->OutputBar()->isVisible();
+    frame->OnCommand(Cmd::ViewOutputBar);
+    EXPECT_NE(m_commands->OutputBar()->isVisible(), before);
+    frame->UpdateCommandUI();
+    EXPECT_EQ(toggle->isChecked(), m_commands->OutputBar()->isVisible());
+    EXPECT_NE(frame->Action(Cmd::FindInFiles), nullptr);
+}
+
+TEST_F(FindInFilesCommandsTest, AResultOpensItsFileAtTheLineAndColumn)
+{
+    // UTF-16 on disk, so the column must be counted in the decoded text.
+    const QString path = QDir(m_dir).filePath(QStringLiteral("sub/wide.txt"));
+    QStringEncoder encoder(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    TestSupport::WriteFile(path, encoder.encode(QString::fromUtf8("first\nsecond\n\xC3\xA9\xC3\xA9 needle here\n")));
+    Search(QStringLiteral("needle"));
+    m_commands->OpenLocation(path, 3, 3);
+    auto* document = qobject_cast<CScrivelDoc*>(CMorvaneApp::MainFrame()->ActiveChild()->GetDocument());
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(document->GetPathName(), path);
+    CMFCScintilla* editor = document->GetEditor();
+    EXPECT_EQ(editor->GetCurrentLine(), 2);
+    EXPECT_EQ(editor->GetColumn(), 3);
+    const long caret = editor->GetCurrentPos();
+    EXPECT_EQ(editor->GetTextRange(caret, caret + 6), QByteArray("needle"));
+
+    // The second time the open document is only brought forward, and the caret moves.
+    editor->GotoPos(0);
+    m_commands->OpenLocation(path, 2, 1);
+    EXPECT_EQ(CMorvaneApp::MainFrame()->ChildFrames().size(), 2) << "Untitled1 and the file, no copy";
+    EXPECT_EQ(editor->GetCurrentLine(), 1);
+    EXPECT_EQ(editor->GetColumn(), 1);
+}
+
+} // namespace
