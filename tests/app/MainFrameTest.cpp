@@ -108,7 +108,8 @@ TEST_P(ViewToggleTest, ReachesEveryTextViewAndNoOtherKind)
     EXPECT_TRUE(Checked(c.id));
 
     // A view opened afterwards starts with the setting as it now stands. (Block selection
-    // is left out here: the view's loading of the text still resets the selection mode.)
+    // is left out here: the control drops rectangular mode at the first caret jump, and
+    // loading the text makes one; keeping the mode is the view's business.)
     CScrivelFrame* third = OpenText(QStringLiteral("four.txt"), "delta\n");
     ASSERT_TRUE(third);
     if (c.id != Cmd::ViewBlockSelect)
@@ -481,7 +482,8 @@ TEST_F(MainFrameTest, FindWithNoTextViewSaysThereIsNothingToDo)
     EXPECT_EQ(box->objectName(), QStringLiteral("FindBox"));
     EXPECT_TRUE(box->isEditable());
 
-    for (const int id : {int(Cmd::EditFind), int(Cmd::EditFindNext), int(Cmd::EditFindPrevious)}) {
+    // (Find... and Replace... belong to the search, which decides what they do here.)
+    for (const int id : {int(Cmd::EditFindNext), int(Cmd::EditFindPrevious)}) {
         TestSupport::ModalAnswerer answerer;
         Run(id);
         EXPECT_EQ(answerer.Texts(), QStringList{QStringLiteral("Find has nothing to do")}) << id;
