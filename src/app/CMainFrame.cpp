@@ -119,6 +119,9 @@ bool CMainFrame::Create()
         m_tabContextMenu->addAction(Action(id));
     if (m_app)
         connect(m_app, &CMorvaneApp::recentFilesChanged, this, &CMainFrame::RebuildRecentFilesMenu);
+    // Paste follows the clipboard, which other programs change too.
+    connect(QApplication::clipboard(), &QClipboard::dataChanged, this,
+            &CMainFrame::RequestCommandUpdate);
     RebuildRecentFilesMenu();
     UpdateTitle();
     resize(1000, 700);

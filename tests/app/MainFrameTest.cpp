@@ -5,6 +5,7 @@
 #include "app/KeyboardIndicators.h"
 #include "search/CHistoryComboBox.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QFile>
@@ -420,6 +421,20 @@ TEST_F(MainFrameTest, ToolbarIconSizeFollowsTheSettingReadAtStart)
                 EXPECT_FALSE(action->icon().isNull()) << action->text().toStdString();
         }
     }
+}
+
+TEST_F(MainFrameTest, PasteFollowsTheClipboardWithoutAnyOtherEvent)
+{
+    StartEmpty();
+    ASSERT_TRUE(OpenText(QStringLiteral("a.txt")));
+    QApplication::clipboard()->clear();
+    Settle();
+    ASSERT_FALSE(Enabled(Cmd::EditPaste));
+
+    QApplication::clipboard()->setText(QStringLiteral("pasted"));
+    Settle();
+    // No explicit update here: the change of the clipboard asks for one.
+    EXPECT_TRUE(Frame()->Action(Cmd::EditPaste)->isEnabled());
 }
 
 // --- Navigation ---------------------------------------------------------------------------
