@@ -930,7 +930,8 @@ void CMainFrame::OnGoto()
     CGotoDialog dialog(this, editor->GetLineCount());
     if (dialog.exec() != QDialog::Accepted)
         return;
-    editor->GotoLine(dialog.TargetLine());
+    // A jump the navigation history records, like any other command jump.
+    editor->JumpToLine(dialog.TargetLine());
     editor->setFocus();
 }
 
