@@ -30,27 +30,16 @@ TEST_P(QuickDetection, AgreesWithTheEditorsDetector)
 INSTANTIATE_TEST_SUITE_P(
     Samples, QuickDetection,
     ::testing::Values(
-        Sample{"Ascii", QByteArray("int main() { return 0; }\n").repeated(10)},
         Sample{"LongAscii", QByteArray("x").repeated(5000)},
         Sample{"AsciiThenUtf8PastTheSample", QByteArray("a").repeated(1100) + "\xC3\xA9"},
         Sample{"Utf7Mark", QByteArray("+/v8-hello world text")},
-        Sample{"Utf7ShortMark", QByteArray("+/v9hello world text")},
         Sample{"ZeroByte", QByteArray("abc\0def ghi jkl", 15)},
         Sample{"ZeroInLastWord", QByteArray("abcdefgh\0", 9)},
         Sample{"Utf16Ascii", QByteArray("h\0e\0l\0l\0o\0", 10)},
-        Sample{"Utf8", QByteArray("caf\xC3\xA9 au lait, cr\xC3\xA8me br\xC3\xBBl\xC3\xA9" "e")},
+        Sample{"Utf8", QByteArray("caf\xC3\xA9 au lait")},
         Sample{"Latin1", QByteArray("caf\xE9 au lait")},
-        Sample{"Utf8Mark", QByteArray("\xEF\xBB\xBFplain")},
-        Sample{"OneByte", QByteArray("a")},
         Sample{"Empty", QByteArray()}),
     [](const ::testing::TestParamInfo<Sample>& info) { return std::string(info.param.name); });
-
-TEST(FileSearcherExcerpt, ShortLinesStayWholeWithoutTheirLineEnd)
-{
-    const QByteArray line("  if (x) {\r");
-    EXPECT_EQ(FileSearcher::LineExcerpt(line.constData(), std::size_t(line.size()), 2),
-              QStringLiteral("  if (x) {"));
-}
 
 TEST(FileSearcherExcerpt, LongLinesAreCutOnCharacterBoundaries)
 {
