@@ -29,15 +29,12 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         RequiredCase{"foo\\w+barbaz", true, {"barbaz"}},
         RequiredCase{"ab*cdef", true, {"cdef"}},     // "b" may be absent
-        RequiredCase{"abcd?e", true, {"abc"}},
         RequiredCase{"ab{0,3}xyz", true, {"xyz"}},
         RequiredCase{"\\.cpp$", true, {".cpp"}},     // escaped punctuation is text
-        RequiredCase{"[]x]qq", true, {"qq"}},
         RequiredCase{"(fo(o|x))barx", true, {"barx"}},
         RequiredCase{"(?i)foo", true, {}},           // inline options: give up
         RequiredCase{"\\x41BC", true, {}},           // escapes with meaning: give up
         RequiredCase{"caf\xC3\xA9s", false, {"caf"}}, // no byte folding beyond ASCII
-        RequiredCase{"^\\s*$", true, {}},
         RequiredCase{"TODO|FIXME", true, {"TODO", "FIXME"}},
         RequiredCase{"(x|y)zz|ww", true, {"zz", "ww"}}, // "|" inside a group doesn't split
         RequiredCase{"[|]qq|rr", true, {"qq", "rr"}},   // nor inside a class
