@@ -56,8 +56,9 @@ void CTextSearch::SetSearchFlags(bool matchCase, bool wholeWord, bool regExp)
 
 void CTextSearch::SetSearchFlags(int scintillaFlags)
 {
-    // A bare SCFIND_REGEXP would pick the control's old engine, which knows neither
-    // alternation nor \d: every expression search goes to the C++11 one.
+    // Our own searches match expressions with PCRE2; anything that still asks the
+    // control itself gets its C++11 engine rather than the old one, which knows neither
+    // alternation nor \d.
     if (scintillaFlags & QsciScintillaBase::SCFIND_REGEXP)
         scintillaFlags |= QsciScintillaBase::SCFIND_CXX11REGEX;
     m_editor->SetSearchFlags(scintillaFlags);
@@ -225,6 +226,14 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
     if (pos == -1 || pos > rangeEnd)
         return 0;
 
+    // The control's change notifications cost time in proportion to the document for
+    // every change: with thousands of replacements that is minutes. They are held back
+    // while the loop runs; what listeners do with them (the line-number margin's width)
+    // is done once behind it.
+    const long eventMask = m_editor->SendScintilla(QsciScintillaBase::SCI_GETMODEVENTMASK);
+    const long linesBefore = m_editor->GetLineCount();
+    m_editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, 0UL);
+
     m_editor->BeginUndoAction();
     long next = pos;
     while (true) {
@@ -260,6 +269,14 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
     else
         m_editor->SetSel(next, next);
     m_editor->EndUndoAction();
+
+    m_editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK,
+                            static_cast<unsigned long>(eventMask));
+    const bool lineNumbersShown =
+        m_editor->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN,
+                                static_cast<unsigned long>(CMFCScintilla::LineNumberMargin)) > 0;
+    if (m_editor->GetLineCount() != linesBefore && lineNumbersShown)
+        m_editor->SetLineNumberMargin(true);
     return count;
 }
 

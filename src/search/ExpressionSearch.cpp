@@ -2,6 +2,8 @@
 
 #include "editor/CMFCScintilla.h"
 
+#include <algorithm>
+
 ExpressionSearch::ExpressionSearch(CMFCScintilla* editor, const QString& pattern, bool matchCase,
                                    bool wholeWord)
     : m_editor(editor)
@@ -81,6 +83,16 @@ bool ExpressionSearch::MatchInLine(const Line& line, long from, long to, bool la
     return found;
 }
 
+long ExpressionSearch::CharStart(long position) const
+{
+    // Back to the first byte of the character that holds `position`.
+    while (m_utf8 && position > 0
+           && (m_editor->SendScintilla(QsciScintillaBase::SCI_GETCHARAT,
+                                       static_cast<unsigned long>(position)) & 0xC0) == 0x80)
+        --position;
+    return position;
+}
+
 long ExpressionSearch::Find(long start, long end, long& matchEnd)
 {
     if (!IsValid() || m_regex.pattern().isEmpty())
@@ -98,12 +110,35 @@ long ExpressionSearch::Find(long start, long end, long& matchEnd)
         const long to = std::min(high, lineEnd);
         if (from > to)
             continue;
-        const Line line = ReadLine(lineStart, lineEnd);
         long begin = 0;
         long finish = 0;
-        if (MatchInLine(line, from - lineStart, to - lineStart, backward, begin, finish)) {
-            matchEnd = lineStart + finish;
-            return lineStart + begin;
+        if (backward) {
+            // The last match needs the whole stretch; it is one search per key press.
+            const Line line = ReadLine(lineStart, to);
+            if (MatchInLine(line, from - lineStart, to - lineStart, true, begin, finish)) {
+                matchEnd = lineStart + finish;
+                return lineStart + begin;
+            }
+            continue;
+        }
+        // Forward, a window behind `from` is read, not the whole line: Replace All walks
+        // a long line match by match, and reading the line each time would make that
+        // quadratic. A few bytes before `from` let look-behind and \b see their
+        // context (and keep "^" from matching inside the line). A match counts only well
+        // inside the window, or when the window reaches `to`; otherwise it grows.
+        const long windowStart = from > lineStart ? CharStart(std::max(lineStart, from - WindowContext))
+                                                  : lineStart;
+        for (long size = InitialWindow;; size *= 4) {
+            const long windowEnd = from + size >= to ? to : CharStart(from + size);
+            const Line line = ReadLine(windowStart, windowEnd);
+            const bool whole = windowEnd == to;
+            if (MatchInLine(line, from - windowStart, windowEnd - windowStart, false, begin, finish)
+                && (whole || windowStart + finish <= windowEnd - WindowMargin)) {
+                matchEnd = windowStart + finish;
+                return windowStart + begin;
+            }
+            if (whole)
+                break;
         }
     }
     return -1;

@@ -36,7 +36,12 @@ private:
         QByteArray bytes;  // the same in the control's bytes
         bool latin1 = false;
     };
+    static constexpr long InitialWindow = 4096;
+    static constexpr long WindowContext = 16;
+    static constexpr long WindowMargin = 256;
+
     Line ReadLine(long lineStart, long lineEnd) const;
+    long CharStart(long position) const;
     long ByteOffset(const Line& line, qsizetype index) const;
     qsizetype CharIndex(const Line& line, long byteOffset) const;
     // The first (or, with `last`, the final) match in `line` starting at or after `from`

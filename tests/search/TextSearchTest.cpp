@@ -297,6 +297,37 @@ const ReplaceAllCase replaceAllCases[] = {
 INSTANTIATE_TEST_SUITE_P(Cases, ReplaceAllTest, ::testing::ValuesIn(replaceAllCases),
                          [](const auto& info) { return std::string(info.param.name); });
 
+TEST_F(TextSearchTest, ReplaceAllOverManyLinesIsQuickAndKeepsBookmarks)
+{
+    QByteArray text;
+    for (int i = 0; i < 50000; ++i)
+        text += "\tx\n";
+    SetText(text);
+    m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERADD, 40000UL, long(CMFCScintilla::BookmarkMarker));
+    const long mask = m_editor->SendScintilla(QsciScintillaBase::SCI_GETMODEVENTMASK);
+    ASSERT_NE(mask, 0);
+    Search().SetSearchFlags(0);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(Search().ReplaceAll(QStringLiteral("\t"), QStringLiteral("    "), false, false), 50000);
+    EXPECT_LT(timer.elapsed(), 20000);
+    EXPECT_EQ(Text().left(12), QByteArray("    x\n    x\n"));
+    EXPECT_EQ(MarkedLines(), (std::vector<long>{40000}));
+    // Change notifications are back on afterwards.
+    EXPECT_EQ(m_editor->SendScintilla(QsciScintillaBase::SCI_GETMODEVENTMASK), mask);
+}
+
+TEST_F(TextSearchTest, ReplaceAllWideningTheLineCountWidensTheLineNumbers)
+{
+    SetText(QByteArray(5000, ','));
+    m_editor->SetLineNumberMargin(true);
+    const long before = m_editor->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL);
+    Search().SetSearchFlags(0);
+    EXPECT_EQ(Search().ReplaceAll(QStringLiteral(","), QStringLiteral(",\n\n\n"), false, false), 5000);
+    EXPECT_EQ(m_editor->GetLineCount(), 15001);
+    EXPECT_GT(m_editor->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL), before);
+}
+
 TEST_F(TextSearchTest, ReplaceAllIsOneUndoStep)
 {
     SetText("x1 x2 x3 x4");
@@ -438,6 +469,38 @@ TEST_F(TextSearchTest, ExpressionWithoutMatchOnALongLineEndsQuickly)
     EXPECT_EQ(search.FindText(QStringLiteral("(a|b)+\\d"), false, true), -1);
     EXPECT_EQ(search.FindText(QStringLiteral("(a+)+c"), false, true), -1) << "runaway: no match";
     EXPECT_LT(timer.elapsed(), 20000);
+}
+
+TEST_F(TextSearchTest, ReplaceAllWalksALongLineInLinearTime)
+{
+    QByteArray line;
+    for (int i = 0; i < 100000; ++i)
+        line += "ab,";
+    SetText(line + "\nc,");
+    CTextSearch search = Search();
+    search.SetSearchFlags(false, false, true);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(search.ReplaceAll(QStringLiteral("b,|c,"), QStringLiteral("(\\0)"), false, true), 100001);
+    EXPECT_LT(timer.elapsed(), 20000);
+    EXPECT_EQ(Text().left(12), QByteArray("a(b,)a(b,)a("));
+    EXPECT_TRUE(Text().endsWith("a(b,)\n(c,)"));
+}
+
+TEST_F(TextSearchTest, MatchesLongerThanTheReadWindowAreWhole)
+{
+    // The greedy run, the "$" and the look-ahead all reach far past the first window.
+    SetText("x" + QByteArray(20000, 'a') + "b " + QByteArray(9000, 'y') + "\n");
+    CTextSearch search = Search();
+    search.SetSearchFlags(false, false, true);
+    EXPECT_EQ(search.FindText(QStringLiteral("a+b"), false, false), 1);
+    EXPECT_EQ(Selection(), std::make_pair(1L, 20002L));
+    EXPECT_EQ(search.FindText(QStringLiteral("y$"), false, false), 29002);
+    m_editor->SetSel(0, 0);
+    EXPECT_EQ(search.FindText(QStringLiteral("a(?=a*b)"), false, false), 1);
+    m_editor->SetSel(19000, 19000);
+    EXPECT_EQ(search.FindText(QStringLiteral("\\ba"), false, false), -1) << "no word start inside the run";
+    EXPECT_EQ(search.FindText(QStringLiteral("^x"), false, true), 0) << "only at the line start";
 }
 
 TEST_F(TextSearchTest, ExpressionsSeeUtf8AsCharacters)
