@@ -2,9 +2,8 @@
 #include "hex/CPieceTable.h"
 #include "hex/MappedMemoryGuard.h"
 
-#include "TestSupport.h"
+#include "HexTestFile.h"
 
-#include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -12,72 +11,28 @@
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
-#endif
 
 namespace {
 
-QString MakeFile(const QByteArray& bytes, const QString& name = QStringLiteral("data.bin"))
+// Each refusal must come with a reason, and a pipe must not block waiting for a writer.
+TEST(FileSource, RefusesWhatItCannotMapWithAReason)
 {
-    const QString path = QDir(TestSupport::MakeTempDir()).filePath(name);
-    TestSupport::WriteFile(path, bytes);
-    return path;
-}
-
-TEST(FileSource, EmptyFileOpensEmpty)
-{
-    CPieceTable table;
-    QString error;
-    ASSERT_TRUE(table.Open(MakeFile(QByteArray()), &error)) << error.toStdString();
-    EXPECT_EQ(table.Size(), 0);
-    EXPECT_EQ(table.Read(0, 0), QByteArray());
-    EXPECT_EQ(table.Find("x", 0, true, true).offset, -1);
-    ASSERT_TRUE(table.Insert(0, "abc"));
-    EXPECT_EQ(table.Read(0, 3), QByteArray("abc"));
-}
-
-TEST(FileSource, MissingFileGivesAReason)
-{
-    CHexFileSource source;
-    QString error;
-    EXPECT_FALSE(source.Open(QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("no")),
-                             &error));
-    EXPECT_FALSE(error.isEmpty());
-    EXPECT_FALSE(source.IsOpen());
-}
-
-TEST(FileSource, FolderIsRefused)
-{
-    CHexFileSource source;
-    QString error;
-    EXPECT_FALSE(source.Open(TestSupport::MakeTempDir(), &error));
-    EXPECT_FALSE(error.isEmpty());
-}
-
-#ifdef Q_OS_UNIX
-TEST(FileSource, PipeAndDeviceAreRefusedWithAReason)
-{
-    const QString fifo = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("fifo"));
+    const QString folder = TestSupport::MakeTempDir();
+    const QString fifo = QDir(folder).filePath(QStringLiteral("fifo"));
     ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
-    CHexFileSource source;
-    QString error;
-    // Must not block waiting for a writer, and must say why.
-    EXPECT_FALSE(source.Open(fifo, &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("regular"))) << error.toStdString();
-    error.clear();
-    EXPECT_FALSE(source.Open(QStringLiteral("/dev/zero"), &error));
-    EXPECT_TRUE(error.contains(QStringLiteral("regular"))) << error.toStdString();
-}
-
-TEST(FileSource, UnreadableFileGivesTheSystemReason)
-{
-    if (::geteuid() == 0)
-        GTEST_SKIP() << "root reads everything";
-    const QString path = MakeFile("secret");
-    QFile::setPermissions(path, QFileDevice::WriteOwner);
-    CHexFileSource source;
-    QString error;
-    EXPECT_FALSE(source.Open(path, &error));
-    EXPECT_FALSE(error.isEmpty());
+    const QString unreadable = MakeFile("secret");
+    QFile::setPermissions(unreadable, QFileDevice::WriteOwner);
+    QStringList paths{QDir(folder).filePath(QStringLiteral("missing")), folder, fifo,
+                      QStringLiteral("/dev/zero")};
+    if (::geteuid() != 0)
+        paths << unreadable;
+    for (const QString& path : paths) {
+        CHexFileSource source;
+        QString error;
+        EXPECT_FALSE(source.Open(path, &error)) << path.toStdString();
+        EXPECT_FALSE(error.isEmpty()) << path.toStdString();
+        EXPECT_FALSE(source.IsOpen());
+    }
 }
 
 // Another program truncates the file under us: reads of the lost part must fail
@@ -97,7 +52,6 @@ TEST(FileSource, ShrunkFileIsDetectedAndNeverReadPastItsEnd)
     EXPECT_TRUE(table.Read(0, 5).isNull()) << "no byte of a rewritten file is trusted";
     EXPECT_TRUE(table.Find("zz", 0, true, true).failed);
     EXPECT_TRUE(table.Find("zz", table.Size() - 1, false, true).failed);
-    // Bytes typed by the user are still there.
     EXPECT_EQ(table.Read(10, 5), QByteArray("typed"));
 
     // Saving would write zeros or garbage for the lost bytes: refused, file left alone.
@@ -115,7 +69,7 @@ TEST(FileSource, ShrunkFileIsDetectedAndNeverReadPastItsEnd)
 }
 
 // The file shrinks after the size check but before the copy: the guard turns the
-// SIGBUS into a failed read.
+// SIGBUS into a failed read, and stays usable.
 TEST(FileSource, GuardSurvivesAFaultOnATruncatedMapping)
 {
     const QString path = MakeFile(QByteArray(64 * 1024, 'g'));
@@ -126,7 +80,6 @@ TEST(FileSource, GuardSurvivesAFaultOnATruncatedMapping)
     ASSERT_EQ(::truncate(QFile::encodeName(path).constData(), 0), 0);
     uchar buffer[16] = {};
     EXPECT_FALSE(MappedMemoryGuard::Run([&] { std::memcpy(buffer, map + 32 * 1024, 16); }));
-    // The guard is reusable and lets good work through.
     int value = 0;
     EXPECT_TRUE(MappedMemoryGuard::Run([&] { value = 42; }));
     EXPECT_EQ(value, 42);
@@ -149,6 +102,6 @@ TEST(FileSource, DeletedFileStaysReadableAndCanBeSavedAgain)
     ASSERT_TRUE(table.Save(path, true, &error)) << error.toStdString();
     EXPECT_EQ(TestSupport::ReadFile(path), bytes);
 }
-#endif
 
 } // namespace
+#endif
