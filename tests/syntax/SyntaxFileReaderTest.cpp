@@ -1,408 +1,162 @@
 #include "SyntaxTestFiles.h"
 #include "TestSupport.h"
 #include "syntax/CSyntaxParser.h"
+#include "syntax/ColourUtil.h"
 
-#include <QDir>
-#include <QElapsedTimer>
 #include <QStringEncoder>
 
 #include <gtest/gtest.h>
 
 using SyntaxTestFiles::Colour;
-using SyntaxTestFiles::Definition;
-using SyntaxTestFiles::Read;
-using SyntaxTestFiles::Simple;
 
 namespace {
 
-QByteArray WithColours(const QByteArray& colours, const QByteArray& rest = {})
+QByteArray Def(const QByteArray& rest, const QByteArray& colours = Colour(0, "#000000", "Default"))
 {
-    return Definition(rest + "<COLOURS>\n" + colours + "</COLOURS>");
+    return SyntaxTestFiles::Definition(rest + "<COLOURS>\n" + colours + "</COLOURS>");
 }
 
-// --- Flags ---------------------------------------------------------------------------
-
-struct FlagCase
+// The pattern once for each of first..last, its %1 replaced by the number.
+QByteArray Numbered(const char* pattern, int first, int last)
 {
-    const char* text; // nullptr: attribute or element absent
-    bool expected;
-};
-
-class EolFilled : public ::testing::TestWithParam<FlagCase> {};
-
-TEST_P(EolFilled, OnlyExactTrueSetsIt)
-{
-    const FlagCase& c = GetParam();
-    const QByteArray extra = c.text ? QByteArray(" EOLFILLED=\"") + c.text + "\"" : QByteArray();
-    bool ok = false;
-    const CSyntaxParser parser = Read(WithColours(Colour(1, "#000000", "One", extra)), &ok);
-    ASSERT_TRUE(ok);
-    ASSERT_EQ(parser.colourCount, 1);
-    EXPECT_EQ(parser.colours[0].eolFilled, c.expected) << (c.text ? c.text : "(absent)");
+    QString text;
+    for (int i = first; i <= last; ++i)
+        text += QString::fromLatin1(pattern).arg(i);
+    return text.toLatin1();
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, EolFilled, ::testing::Values(
-    FlagCase{"True", true}, FlagCase{"true", false}, FlagCase{"TRUE", false}, FlagCase{"False", false},
-    FlagCase{"1", false}, FlagCase{"", false}, FlagCase{" True", false}, FlagCase{nullptr, false}));
-
-class AutoNest : public ::testing::TestWithParam<FlagCase> {};
-
-TEST_P(AutoNest, YInEitherCaseSetsIt)
+QByteArray Utf16(const QByteArray& utf8)
 {
-    const FlagCase& c = GetParam();
-    const QByteArray element = c.text ? QByteArray("<AUTONEST>") + c.text + "</AUTONEST>" : QByteArray();
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"), element));
-    EXPECT_EQ(parser.autoNest, c.expected) << (c.text ? c.text : "(absent)");
+    QStringEncoder encoder(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    return encoder.encode(QString::fromUtf8(utf8).replace(QStringLiteral("UTF-8"), QStringLiteral("UTF-16")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, AutoNest, ::testing::Values(
-    FlagCase{"Y", true}, FlagCase{"y", true}, FlagCase{"N", false}, FlagCase{"yes", false},
-    FlagCase{"", false}, FlagCase{"True", false}, FlagCase{nullptr, false}));
-
-// --- Properties ----------------------------------------------------------------------
-
-TEST(SyntaxFileReader, ReadsEveryProperty)
+// Ten levels of ten references each: a billion "lol"s if anything expanded them.
+QByteArray EntityBomb()
 {
-    bool ok = false;
-    const CSyntaxParser parser = Read(WithColours(
-        Colour(5, "#0000FF", "Keyword", " HEXBACK=\"#FFFFE0\" EOLFILLED=\"True\""),
-        "<MENU>C++</MENU><EXTENSION>.cpp;.h</EXTENSION><LEXER>cpp</LEXER><AUTONEST>Y</AUTONEST>"
-        "<KEYWORDS><KEYWORD>int char</KEYWORD><KEYWORD>std</KEYWORD></KEYWORDS>"
-        "<COMMENT><GROUPSTART>/*</GROUPSTART><GROUPEND>*/</GROUPEND><LINE>//</LINE></COMMENT>"), &ok);
-    ASSERT_TRUE(ok);
-    EXPECT_TRUE(parser.fromFile);
-    EXPECT_FALSE(parser.modified);
-    EXPECT_EQ(parser.menuName, QStringLiteral("C++"));
-    EXPECT_EQ(parser.extensions, QStringLiteral(".cpp;.h"));
-    EXPECT_EQ(parser.lexer, QStringLiteral("cpp"));
-    EXPECT_TRUE(parser.autoNest);
-    EXPECT_EQ(parser.keywordCount, 2);
-    EXPECT_EQ(parser.GetKeywords(0), QStringLiteral("int char"));
-    EXPECT_EQ(parser.GetKeywords(1), QStringLiteral("std"));
-    EXPECT_EQ(parser.groupStart, QStringLiteral("/*"));
-    EXPECT_EQ(parser.groupEnd, QStringLiteral("*/"));
-    EXPECT_EQ(parser.lineComment, QStringLiteral("//"));
-    ASSERT_EQ(parser.colourCount, 1);
-    const SyntaxColour colour = parser.GetColour(0);
-    EXPECT_EQ(colour.style, 5);
-    EXPECT_EQ(colour.fore, 0xFF0000u);
-    EXPECT_EQ(colour.back, 0xE0FFFFu);
-    EXPECT_TRUE(colour.eolFilled);
-    EXPECT_EQ(colour.name, QStringLiteral("Keyword"));
-    EXPECT_TRUE(parser.filePath.endsWith(QStringLiteral("test.config")));
+    QByteArray entities = "<!ENTITY e0 \"lol\">\n";
+    for (int i = 1; i < 10; ++i)
+        entities += "<!ENTITY e" + QByteArray::number(i) + " \""
+                    + ("&e" + QByteArray::number(i - 1) + ";").repeated(10) + "\">\n";
+    return "<?xml version=\"1.0\"?>\n<!DOCTYPE SYNTAX [\n" + entities + "]>\n<SYNTAX><PROPERTIES>"
+           "<MENU>&e9;</MENU><COLOURS>" + Colour(0, "#000000", "Default") + "</COLOURS></PROPERTIES></SYNTAX>";
 }
 
-TEST(SyntaxFileReader, MissingElementsKeepTheirDefaultsButCommentsBecomeEmpty)
+// Everything the reader took from a file, on one line.
+std::string Summary(const CSyntaxParser& p)
 {
-    bool ok = false;
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default")), &ok);
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(parser.menuName, QStringLiteral("Text"));
-    EXPECT_EQ(parser.extensions, QStringLiteral(".*"));
-    EXPECT_EQ(parser.lexer, QString());
-    EXPECT_FALSE(parser.autoNest);
-    EXPECT_EQ(parser.keywordCount, 0);
-    // Only the stand-by record keeps "/", "/" and "//".
-    EXPECT_EQ(parser.groupStart, QString());
-    EXPECT_EQ(parser.groupEnd, QString());
-    EXPECT_EQ(parser.lineComment, QString());
-    EXPECT_EQ(CSyntaxParser::StandBy().lineComment, QStringLiteral("//"));
+    QStringList keywords, colours;
+    for (int i = 0; i < p.keywordCount; ++i)
+        keywords << p.GetKeywords(i);
+    for (int i = 0; i < p.colourCount; ++i) {
+        const SyntaxColour& c = p.colours[size_t(i)];
+        colours << QStringLiteral("%1 %2/%3%4 %5").arg(c.style).arg(ColourUtil::ToHex(c.fore), ColourUtil::ToHex(c.back),
+                                                      c.eolFilled ? QStringLiteral(" eol") : QString(), c.name);
+    }
+    return QStringLiteral("menu=%1 ext=%2 lexer=%3 nest=%4 kw=[%5] comment=[%6|%7|%8] colours=[%9]")
+        .arg(p.menuName, p.extensions, p.lexer, QString::number(int(p.autoNest)), keywords.join(QLatin1Char('|')),
+             p.groupStart, p.groupEnd, p.lineComment, colours.join(QStringLiteral("; ")))
+        .toStdString();
 }
 
-TEST(SyntaxFileReader, CommentTokensKeepTheirBlanks)
-{
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"),
-                                                  "<COMMENT><LINE>REM </LINE></COMMENT>"));
-    EXPECT_EQ(parser.lineComment, QStringLiteral("REM "));
-    EXPECT_EQ(parser.groupStart, QString());
-}
-
-TEST(SyntaxFileReader, TheRootIsFreeAndTheFirstPropertiesWins)
-{
-    const QByteArray bytes =
-        "<?xml version=\"1.0\"?><anything><deeper><PROPERTIES><MENU>First</MENU><COLOURS>"
-        + Colour(0, "#000000", "Default") + "</COLOURS></PROPERTIES></deeper>"
-        "<PROPERTIES><MENU>Second</MENU></PROPERTIES></anything>";
-    bool ok = false;
-    const CSyntaxParser parser = Read(bytes, &ok);
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(parser.menuName, QStringLiteral("First"));
-}
-
-TEST(SyntaxFileReader, ElementNamesAreCaseSensitive)
-{
-    bool ok = true;
-    Read("<?xml version=\"1.0\"?><SYNTAX><properties><MENU>x</MENU></properties></SYNTAX>", &ok);
-    EXPECT_FALSE(ok);
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"), "<menu>Lower</menu>"));
-    EXPECT_EQ(parser.menuName, QStringLiteral("Text"));
-}
-
-TEST(SyntaxFileReader, TextOfNestedMarkupAndCdataIsJoined)
-{
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"),
-        "<MENU>  Obj<b>ective</b>-<![CDATA[C]]>  </MENU><KEYWORDS><KEYWORD> a\n b </KEYWORD></KEYWORDS>"));
-    EXPECT_EQ(parser.menuName, QStringLiteral("Objective-C"));
-    // Keyword lists go to the control whole, blanks included.
-    EXPECT_EQ(parser.GetKeywords(0), QStringLiteral(" a\n b "));
-}
-
-// --- Keyword sets --------------------------------------------------------------------
-
-TEST(SyntaxFileReader, TheTenthKeywordSetIsDropped)
-{
-    QByteArray sets;
-    for (int i = 1; i <= 11; ++i)
-        sets += "<KEYWORD>set" + QByteArray::number(i) + "</KEYWORD>";
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"), "<KEYWORDS>" + sets + "</KEYWORDS>"));
-    EXPECT_EQ(parser.keywordCount, 9);
-    EXPECT_EQ(parser.GetKeywords(0), QStringLiteral("set1"));
-    EXPECT_EQ(parser.GetKeywords(8), QStringLiteral("set9"));
-    EXPECT_EQ(parser.GetKeywords(9), QString());
-    EXPECT_EQ(parser.GetKeywords(-1), QString());
-}
-
-TEST(SyntaxFileReader, KeywordSetsKeepTheirPositionIncludingEmptyOnes)
-{
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"),
-        "<KEYWORDS><KEYWORD></KEYWORD><KEYWORD>two</KEYWORD></KEYWORDS><KEYWORDS><KEYWORD>three</KEYWORD></KEYWORDS>"));
-    EXPECT_EQ(parser.keywordCount, 3);
-    EXPECT_EQ(parser.GetKeywords(0), QString());
-    EXPECT_EQ(parser.GetKeywords(1), QStringLiteral("two"));
-    EXPECT_EQ(parser.GetKeywords(2), QStringLiteral("three"));
-}
-
-// --- Colours -------------------------------------------------------------------------
-
-struct ColourElementCase
-{
-    const char* element;
-    bool kept;
-};
-
-class ColourElement : public ::testing::TestWithParam<ColourElementCase> {};
-
-TEST_P(ColourElement, NeedsStyleAndForeground)
-{
-    const ColourElementCase& c = GetParam();
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default") + c.element));
-    EXPECT_EQ(parser.colourCount, c.kept ? 2 : 1) << c.element;
-}
-
-INSTANTIATE_TEST_SUITE_P(Elements, ColourElement, ::testing::Values(
-    ColourElementCase{"<COLOUR STYLE=\"1\" HEXFORE=\"#FF0000\">A</COLOUR>", true},
-    ColourElementCase{"<COLOUR HEXFORE=\"#FF0000\">No style</COLOUR>", false},
-    ColourElementCase{"<COLOUR STYLE=\"1\">No fore</COLOUR>", false},
-    ColourElementCase{"<COLOUR STYLE=\"\" HEXFORE=\"#FF0000\">Empty style</COLOUR>", false},
-    ColourElementCase{"<COLOUR STYLE=\"1\" HEXFORE=\"\">Empty fore</COLOUR>", false},
-    ColourElementCase{"<COLOUR style=\"1\" hexfore=\"#FF0000\">Lower case</COLOUR>", false},
-    ColourElementCase{"<COLOUR STYLE=\"1\" HEXFORE=\"#FF0000\" HEXBACK=\"\"/>", true}));
-
-TEST(SyntaxFileReader, SkippedColoursLeaveNoGap)
-{
-    const CSyntaxParser parser = Read(WithColours(
-        Colour(0, "#000000", "Default") + "<COLOUR STYLE=\"1\">Skipped</COLOUR>" + Colour(2, "#00FF00", "Next")));
-    ASSERT_EQ(parser.colourCount, 2);
-    EXPECT_EQ(parser.colours[1].name, QStringLiteral("Next"));
-    EXPECT_EQ(parser.colours[1].style, 2);
-}
-
-TEST(SyntaxFileReader, MissingOrEmptyBackgroundTakesTheDefault)
-{
-    const CSyntaxParser parser = Read(WithColours(
-        Colour(1, "#102030", "Absent") + Colour(2, "#102030", "Empty", " HEXBACK=\"\"")
-        + Colour(3, "#102030", "Given", " HEXBACK=\"#000000\"")));
-    ASSERT_EQ(parser.colourCount, 3);
-    EXPECT_EQ(parser.colours[0].back, SyntaxColour::DefaultBack);
-    EXPECT_EQ(parser.colours[1].back, SyntaxColour::DefaultBack);
-    EXPECT_EQ(parser.colours[2].back, 0u);
-}
-
-TEST(SyntaxFileReader, StyleNumbersReadLikeDecimalPrefixes)
-{
-    const CSyntaxParser parser = Read(WithColours(
-        Colour(0, "#000000", "A") + "<COLOUR STYLE=\" 12\" HEXFORE=\"#000000\">B</COLOUR>"
-        "<COLOUR STYLE=\"7x\" HEXFORE=\"#000000\">C</COLOUR><COLOUR STYLE=\"abc\" HEXFORE=\"#000000\">D</COLOUR>"));
-    ASSERT_EQ(parser.colourCount, 4);
-    EXPECT_EQ(parser.colours[1].style, 12);
-    EXPECT_EQ(parser.colours[2].style, 7);
-    EXPECT_EQ(parser.colours[3].style, 0);
-}
-
-TEST(SyntaxFileReader, The128thColourIsIgnored)
-{
-    QByteArray colours;
-    for (int i = 0; i < 130; ++i)
-        colours += Colour(i, "#000000", "c" + QByteArray::number(i));
-    const CSyntaxParser parser = Read(WithColours(colours));
-    EXPECT_EQ(parser.colourCount, CSyntaxParser::MaxColours);
-    EXPECT_EQ(parser.colours[126].name, QStringLiteral("c126"));
-}
-
-TEST(SyntaxFileReader, AFileWithoutValidColoursReadsWithNone)
-{
-    bool ok = false;
-    const CSyntaxParser parser = Read(WithColours("<COLOUR STYLE=\"1\">Nothing</COLOUR>", "<MENU>Empty</MENU>"), &ok);
-    EXPECT_TRUE(ok);
-    EXPECT_EQ(parser.colourCount, 0);
-}
-
-TEST(SyntaxFileReader, GetColourOutOfRangeGivesADefaultColour)
-{
-    const CSyntaxParser parser = Read(WithColours(Colour(4, "#FF0000", "Only")));
-    EXPECT_EQ(parser.GetColour(-1), SyntaxColour());
-    EXPECT_EQ(parser.GetColour(CSyntaxParser::MaxColours), SyntaxColour());
-    EXPECT_EQ(SyntaxColour().style, 32);
-    EXPECT_EQ(SyntaxColour().name, QStringLiteral("Default"));
-    // Unused slots inside the record are "Default" for style 0.
-    EXPECT_EQ(parser.GetColour(1).name, QStringLiteral("Default"));
-    EXPECT_EQ(parser.GetColour(1).style, 0);
-}
-
-// --- Bad input -----------------------------------------------------------------------
-
-struct BadFileCase
+struct ReadCase
 {
     const char* label;
     QByteArray bytes;
+    const char* expected; // a part of the summary; nullptr: the file is refused
 };
 
-class BadFile : public ::testing::TestWithParam<BadFileCase> {};
+class Reader : public ::testing::TestWithParam<ReadCase> {};
 
-TEST_P(BadFile, IsRefusedWithoutCrashing)
+TEST_P(Reader, ReadsOrRefuses)
 {
-    bool ok = true;
-    const CSyntaxParser parser = Read(GetParam().bytes, &ok);
-    EXPECT_FALSE(ok) << GetParam().label;
-    EXPECT_FALSE(parser.fromFile);
+    const ReadCase& c = GetParam();
+    bool ok = false;
+    const CSyntaxParser parser = SyntaxTestFiles::Read(c.bytes, &ok);
+    EXPECT_EQ(ok, c.expected != nullptr) << c.label;
+    EXPECT_EQ(parser.fromFile, ok) << c.label;
+    if (c.expected) {
+        EXPECT_NE(Summary(parser).find(c.expected), std::string::npos) << c.label << ": " << Summary(parser);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, BadFile, ::testing::Values(
-    BadFileCase{"unclosed", "<SYNTAX><PROPERTIES><MENU>x</MENU>"},
-    BadFileCase{"mismatched", "<SYNTAX><PROPERTIES></SYNTAX></PROPERTIES>"},
-    BadFileCase{"empty", ""},
-    BadFileCase{"binary", QByteArray("\x00\x01\x02\xff\xfe\x7f<<>>", 10)},
-    BadFileCase{"no properties", "<?xml version=\"1.0\"?><SYNTAX><MENU>x</MENU></SYNTAX>"},
-    BadFileCase{"text only", "just some words"}));
+const QByteArray kDefault = Colour(0, "#000000", "Default");
 
-TEST(SyntaxFileReader, MissingFileIsRefused)
-{
-    CSyntaxParser parser;
-    EXPECT_FALSE(CSyntaxParser::ReadFile(QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("gone.config")), parser));
-}
-
-TEST(SyntaxFileReader, HugeFilesAreRefused)
-{
-    QByteArray bytes = Simple("Huge", ".huge");
-    bytes.insert(bytes.indexOf("<SYNTAX>"), QByteArray(17 * 1024 * 1024, ' '));
-    bool ok = true;
-    Read(bytes, &ok);
-    EXPECT_FALSE(ok);
-}
+INSTANTIATE_TEST_SUITE_P(Files, Reader, ::testing::Values(
+    ReadCase{"every property", Def("<MENU>C++</MENU><EXTENSION>.cpp;.h</EXTENSION><LEXER>cpp</LEXER><AUTONEST>Y</AUTONEST>"
+        "<KEYWORDS><KEYWORD>int char</KEYWORD><KEYWORD>std</KEYWORD></KEYWORDS><COMMENT><GROUPSTART>/*</GROUPSTART>"
+        "<GROUPEND>*/</GROUPEND><LINE>//</LINE></COMMENT>", Colour(5, "#0000FF", "Key", " HEXBACK=\"#FFFFE0\" EOLFILLED=\"True\"")),
+        "menu=C++ ext=.cpp;.h lexer=cpp nest=1 kw=[int char|std] comment=[/*|*/|//] colours=[5 #0000FF/#FFFFE0 eol Key]"},
+    ReadCase{"missing MENU and the rest", Def("<menu>Lower</menu>"), "menu=Text ext=.* lexer= nest=0 kw=[] comment=[||]"},
+    ReadCase{"EOLFILLED only True", Def("", Colour(1, "#000000", "A", " EOLFILLED=\"TRUE\"") + Colour(2, "#000000", "B",
+        " EOLFILLED=\" True\"")), "[1 #000000/#FFFFFF A; 2 #000000/#FFFFFF B]"},
+    ReadCase{"AUTONEST y", Def("<AUTONEST>y</AUTONEST>"), "nest=1"},
+    ReadCase{"AUTONEST True", Def("<AUTONEST>True</AUTONEST>"), "nest=0"},
+    ReadCase{"tenth keyword set", Def("<KEYWORDS>" + Numbered("<KEYWORD>s%1</KEYWORD>", 1, 11) + "</KEYWORDS>"), "kw=[s1|s2|s3|s4|s5|s6|s7|s8|s9]"},
+    ReadCase{"empty keyword set keeps its place", Def("<KEYWORDS><KEYWORD></KEYWORD><KEYWORD> a\n b </KEYWORD>"
+        "</KEYWORDS><KEYWORDS><KEYWORD>c</KEYWORD></KEYWORDS>"), "kw=[| a\n b |c]"},
+    ReadCase{"COLOUR without STYLE or HEXFORE", Def("", kDefault + "<COLOUR HEXFORE=\"#FF0000\">A</COLOUR>"
+        "<COLOUR STYLE=\"1\">B</COLOUR><COLOUR style=\"1\" hexfore=\"#FF0000\">C</COLOUR>" + Colour(2, "#00FF00", "D")),
+        "colours=[0 #000000/#FFFFFF Default; 2 #00FF00/#FFFFFF D]"},
+    ReadCase{"missing HEXBACK", Def("", Colour(1, "#102030", "A") + Colour(2, "#102030", "B", " HEXBACK=\"\"")),
+        "[1 #102030/#FFFFFF A; 2 #102030/#FFFFFF B]"},
+    ReadCase{"no valid colour", Def("<MENU>Empty</MENU>", "<COLOUR STYLE=\"1\">X</COLOUR>"), "menu=Empty ext=.* lexer= nest=0 kw=[] comment=[||] colours=[]"},
+    ReadCase{"128th colour", Def("", Numbered("<COLOUR STYLE=\"%1\" HEXFORE=\"#000000\">c%1</COLOUR>", 0, 129)), "126 #000000/#FFFFFF c126]"},
+    ReadCase{"free root, first PROPERTIES", "<?xml version=\"1.0\"?><a><b><PROPERTIES><MENU>First</MENU><COLOURS>" + kDefault
+        + "</COLOURS></PROPERTIES></b><PROPERTIES><MENU>Second</MENU></PROPERTIES></a>", "menu=First"},
+    ReadCase{"nested markup and CDATA", Def("<MENU> Obj<b>ective</b>-<![CDATA[C]]> </MENU>"), "menu=Objective-C "},
+    ReadCase{"UTF-16 with its mark", Utf16(Def("<MENU>Ünïcødé</MENU>")), "menu=Ünïcødé"},
+    ReadCase{"deep nesting", Def("<MENU>" + QByteArray("<b>").repeated(200000) + "deep" + QByteArray("</b>").repeated(200000) + "</MENU>"), "menu=deep "},
+    ReadCase{"internal entities", EntityBomb(), "menu=&e9; "},
+    ReadCase{"lower-case PROPERTIES", "<SYNTAX><properties><MENU>x</MENU></properties></SYNTAX>", nullptr},
+    ReadCase{"unclosed", "<SYNTAX><PROPERTIES><MENU>x</MENU>", nullptr},
+    ReadCase{"mismatched", "<SYNTAX><PROPERTIES></SYNTAX></PROPERTIES>", nullptr},
+    ReadCase{"empty", "", nullptr},
+    ReadCase{"binary", QByteArray("\x00\x01\xff\xfe<<>>", 8), nullptr},
+    ReadCase{"no PROPERTIES", "<SYNTAX><MENU>x</MENU></SYNTAX>", nullptr},
+    ReadCase{"over 16 MB", Def(QByteArray(17 << 20, ' ')), nullptr}));
 
 TEST(SyntaxFileReader, ExternalEntitiesAreNeverResolved)
 {
     const QString folder = TestSupport::MakeTempDir();
-    const QString secret = SyntaxTestFiles::Write(folder, QStringLiteral("secret.txt"), "TOPSECRET-4711");
-    const QString dtd = SyntaxTestFiles::Write(folder, QStringLiteral("evil.dtd"),
-        "<!ENTITY fromdtd SYSTEM \"file://" + secret.toUtf8() + "\">");
-    const QByteArray bytes =
-        "<?xml version=\"1.0\"?>\n"
-        "<!DOCTYPE SYNTAX SYSTEM \"file://" + dtd.toUtf8() + "\" [\n"
-        "  <!ENTITY xxe SYSTEM \"file://" + secret.toUtf8() + "\">\n"
-        "  <!ENTITY % param SYSTEM \"file://" + dtd.toUtf8() + "\">\n"
-        "  %param;\n"
-        "]>\n"
-        "<SYNTAX><PROPERTIES><MENU>&xxe;</MENU><EXTENSION>&fromdtd;</EXTENSION>"
-        "<COLOURS><COLOUR STYLE=\"0\" HEXFORE=\"#000000\">&xxe;</COLOUR></COLOURS></PROPERTIES></SYNTAX>";
-    const QString path = SyntaxTestFiles::Write(folder, QStringLiteral("xxe.config"), bytes);
-    CSyntaxParser parser;
-    ASSERT_TRUE(CSyntaxParser::ReadFile(path, parser));
-    EXPECT_FALSE(parser.menuName.contains(QStringLiteral("TOPSECRET")));
-    EXPECT_FALSE(parser.extensions.contains(QStringLiteral("TOPSECRET")));
-    EXPECT_FALSE(parser.colours[0].name.contains(QStringLiteral("TOPSECRET")));
-    // The reference stays as it was written.
-    EXPECT_EQ(parser.menuName, QStringLiteral("&xxe;"));
-    EXPECT_EQ(parser.extensions, QStringLiteral("&fromdtd;"));
-}
-
-TEST(SyntaxFileReader, InternalEntityExpansionDoesNotExplode)
-{
-    QByteArray entities = "<!ENTITY e0 \"lollollollollol\">\n";
-    for (int i = 1; i < 10; ++i) {
-        QByteArray refs;
-        for (int j = 0; j < 10; ++j)
-            refs += "&e" + QByteArray::number(i - 1) + ";";
-        entities += "<!ENTITY e" + QByteArray::number(i) + " \"" + refs + "\">\n";
-    }
-    const QByteArray bytes = "<?xml version=\"1.0\"?>\n<!DOCTYPE SYNTAX [\n" + entities + "]>\n"
-        "<SYNTAX><PROPERTIES><MENU>&e9;</MENU><COLOURS>" + Colour(0, "#000000", "Default")
-        + "</COLOURS></PROPERTIES></SYNTAX>";
-    QElapsedTimer timer;
-    timer.start();
-    const CSyntaxParser parser = Read(bytes);
-    EXPECT_LT(parser.menuName.size(), 100);
-    EXPECT_LT(timer.elapsed(), 5000);
-}
-
-TEST(SyntaxFileReader, DeepNestingDoesNotExhaustTheStack)
-{
-    const int depth = 200000;
-    QByteArray menu = "<MENU>";
-    for (int i = 0; i < depth; ++i)
-        menu += "<b>";
-    menu += "deep";
-    for (int i = 0; i < depth; ++i)
-        menu += "</b>";
-    menu += "</MENU>";
-    const CSyntaxParser parser = Read(WithColours(Colour(0, "#000000", "Default"), menu));
-    EXPECT_EQ(parser.menuName, QStringLiteral("deep"));
-}
-
-TEST(SyntaxFileReader, ReadsUtf16WithItsMark)
-{
-    const QString text = QString::fromUtf8(WithColours(Colour(0, "#000000", "Default"), "<MENU>Ünïcødé</MENU>"))
-                             .replace(QStringLiteral("UTF-8"), QStringLiteral("UTF-16"));
-    QStringEncoder encoder(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    const QByteArray secret = "file://" + SyntaxTestFiles::Write(folder, QStringLiteral("secret.txt"), "TOPSECRET").toUtf8();
+    const QByteArray dtd = "file://" + SyntaxTestFiles::Write(folder, QStringLiteral("evil.dtd"),
+        "<!ENTITY fromdtd SYSTEM \"" + secret + "\">").toUtf8();
     bool ok = false;
-    const CSyntaxParser parser = Read(encoder.encode(text), &ok);
+    const CSyntaxParser parser = SyntaxTestFiles::Read(
+        "<?xml version=\"1.0\"?>\n<!DOCTYPE SYNTAX SYSTEM \"" + dtd + "\" [\n<!ENTITY xxe SYSTEM \"" + secret
+        + "\">\n<!ENTITY % param SYSTEM \"" + dtd + "\">\n%param;\n]>\n<SYNTAX><PROPERTIES><MENU>&xxe;</MENU>"
+        "<EXTENSION>&fromdtd;</EXTENSION><COLOURS><COLOUR STYLE=\"0\" HEXFORE=\"#000000\">&xxe;</COLOUR></COLOURS>"
+        "</PROPERTIES></SYNTAX>", &ok);
     ASSERT_TRUE(ok);
-    EXPECT_EQ(parser.menuName, QStringLiteral("Ünïcødé"));
-    EXPECT_EQ(parser.colourCount, 1);
+    EXPECT_EQ(Summary(parser).find("TOPSECRET"), std::string::npos) << Summary(parser);
+    EXPECT_EQ(parser.menuName, QStringLiteral("&xxe;")) << "the reference stays as written";
+    CSyntaxParser missing;
+    EXPECT_FALSE(CSyntaxParser::ReadFile(folder + QStringLiteral("/gone.config"), missing));
 }
 
-// --- Extensions ----------------------------------------------------------------------
-
-struct ExtensionCase
+TEST(ColourUtil, ReadsRedFirstByPositionAndWritesItBack)
 {
-    const char* list;
-    const char* asked;
-    bool matches;
-};
+    EXPECT_EQ(ColourUtil::FromHex(u"#123456"), 0x563412u);
+    EXPECT_EQ(ColourUtil::FromHex(u"#1G2Z3Q"), 0x302010u); // bad digits count as 0
+    EXPECT_EQ(ColourUtil::FromHex(u"#12"), 0x000012u);     // so do missing ones
+    EXPECT_EQ(ColourUtil::FromHex(u"123456"), 0x604523u);  // position 0 is never read
+    EXPECT_EQ(ColourUtil::FromHex(u""), SyntaxColour::DefaultBack);
+    EXPECT_EQ(ColourUtil::ToHex(0xFF0A0B0C), QStringLiteral("#0C0B0A"));
+    for (quint32 v = 0; v < 256; ++v) {
+        const quint32 colour = v | ((255 - v) << 8) | (((v * 7) & 0xFF) << 16);
+        EXPECT_EQ(ColourUtil::FromHex(ColourUtil::ToHex(colour)), colour);
+    }
+}
 
-class MatchesExtension : public ::testing::TestWithParam<ExtensionCase> {};
-
-TEST_P(MatchesExtension, ComparesWholeTokensIgnoringCase)
+TEST(SyntaxFileReader, ExtensionsMatchWholeTokensIgnoringCase)
 {
-    const ExtensionCase& c = GetParam();
     CSyntaxParser parser;
-    parser.extensions = QString::fromUtf8(c.list);
-    EXPECT_EQ(parser.MatchesExtension(QString::fromUtf8(c.asked)), c.matches) << c.list << " / " << c.asked;
+    parser.extensions = QStringLiteral(".c;.H;.ÄBC;.*");
+    for (const char* yes : {".C", ".h", ".äbc", ".*"})
+        EXPECT_TRUE(parser.MatchesExtension(QString::fromUtf8(yes))) << yes;
+    for (const char* no : {".cp", "c", "", ".txt"})
+        EXPECT_FALSE(parser.MatchesExtension(QString::fromUtf8(no))) << no;
 }
-
-INSTANTIATE_TEST_SUITE_P(Lists, MatchesExtension, ::testing::Values(
-    ExtensionCase{".c;.H;.Cpp", ".c", true},
-    ExtensionCase{".c;.H;.Cpp", ".C", true},
-    ExtensionCase{".c;.H;.Cpp", ".h", true},
-    ExtensionCase{".c;.H;.Cpp", ".CPP", true},
-    ExtensionCase{".c;.H;.Cpp", ".cp", false},      // whole tokens only
-    ExtensionCase{".c;.H;.Cpp", "c", false},        // the dot is part of it
-    ExtensionCase{".c;.H;.Cpp", "", false},
-    ExtensionCase{".c;.H;.Cpp", ".*", false},
-    ExtensionCase{".*;.txt", ".*", true},           // what new documents ask for
-    ExtensionCase{".*;.txt", ".TXT", true},
-    ExtensionCase{".*;.txt", ".c", false},          // ".*" is no wildcard
-    ExtensionCase{".*", ".log", false},
-    ExtensionCase{".ÄBC", ".äbc", true}));
 
 } // namespace
