@@ -214,6 +214,11 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
                        : m_editor->GetLength();
     }
 
+    // The control refuses changes to read-only text; a loop that counted on them would
+    // never move on (an empty replacement leaves the next search where it was).
+    if (m_editor->GetReadOnly())
+        return 0;
+
     long pos = SearchRange(rangeStart, rangeEnd, findBytes);
     const bool regExp = m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS)
                         & QsciScintillaBase::SCFIND_REGEXP;

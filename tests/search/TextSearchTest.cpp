@@ -344,7 +344,10 @@ TEST_F(TextSearchTest, ReplaceAllOnReadOnlyTextChangesNothing)
     SetText("aaa");
     m_editor->SetReadOnly(true);
     Search().SetSearchFlags(0);
-    Search().ReplaceAll(QStringLiteral("a"), QStringLiteral("b"), false, false);
+    EXPECT_EQ(Search().ReplaceAll(QStringLiteral("a"), QStringLiteral("b"), false, false), 0);
+    EXPECT_EQ(Text(), QByteArray("aaa"));
+    // An empty replacement that the control refuses must not keep finding the same match.
+    EXPECT_EQ(Search().ReplaceAll(QStringLiteral("a"), QString(), false, false), 0);
     EXPECT_EQ(Text(), QByteArray("aaa"));
 }
 
