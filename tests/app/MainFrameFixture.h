@@ -3,6 +3,7 @@
 #include "app/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
+#include "app/CommandIds.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
@@ -55,28 +56,24 @@ protected:
         TestSupport::WriteFile(path, bytes);
         return path;
     }
-
-    // Opens a text file and returns its frame.
-    CScrivelFrame* OpenText(const QString& name, const QByteArray& bytes = "text\n")
+    // Opens a file as text, or as hex, and returns its frame.
+    CScrivelFrame* OpenText(const char* name, const QByteArray& bytes = "text\n")
     {
-        const QString path = MakeFile(name, bytes);
         App()->GetOpenOptions() = OpenOptions::defaults();
         App()->GetOpenOptions().mode = OpenOptions::Text;
-        if (!App()->RouteOpenFile(path))
+        if (!App()->RouteOpenFile(MakeFile(QString::fromLatin1(name), bytes)))
             return nullptr;
         return qobject_cast<CScrivelFrame*>(Frame()->ActiveChild());
     }
-    CChildFrame* OpenHex(const QString& name, const QByteArray& bytes = QByteArray("\x00\x01\x02", 3))
+    CChildFrame* OpenHex(const char* name)
     {
-        const QString path = MakeFile(name, bytes);
-        if (!App()->OpenAsHex(path))
-            return nullptr;
-        return Frame()->ActiveChild();
+        const QString path = MakeFile(QString::fromLatin1(name), QByteArray("\x00\x01\x02", 3));
+        return App()->OpenAsHex(path) ? Frame()->ActiveChild() : nullptr;
     }
-
+    static CMFCScintilla* Editor(CScrivelFrame* frame) { return frame->GetView()->GetEditor(); }
     static long Sci(CScrivelFrame* frame, unsigned int message, unsigned long wParam = 0)
     {
-        return frame->GetView()->GetEditor()->SendScintilla(message, wParam);
+        return Editor(frame)->SendScintilla(message, wParam);
     }
 
     // Runs a command as the menus do, and lets queued work finish.
@@ -86,15 +83,12 @@ protected:
         Settle();
         Frame()->UpdateCommandUI();
     }
-    static bool Enabled(int id)
+    static bool Enabled(int id) { return Updated(id) && Frame()->Action(id)->isEnabled(); }
+    static bool Checked(int id) { return Updated(id) && Frame()->Action(id)->isChecked(); }
+    static bool Updated(int id)
     {
         Frame()->UpdateCommandUI();
-        return Frame()->Action(id) && Frame()->Action(id)->isEnabled();
-    }
-    static bool Checked(int id)
-    {
-        Frame()->UpdateCommandUI();
-        return Frame()->Action(id) && Frame()->Action(id)->isChecked();
+        return Frame()->Action(id) != nullptr;
     }
 
     QString m_dir;

@@ -1,13 +1,10 @@
 #include "MainFrameFixture.h"
 
 #include "app/CRegistryStore.h"
-#include "app/CommandIds.h"
 
 #include <QClipboard>
 #include <QMenu>
-#include <QMessageBox>
 #include <QTabBar>
-#include <QTest>
 
 namespace {
 
@@ -16,78 +13,52 @@ class TabsTest : public MainFrameFixture
 protected:
     static QMdiArea* Area() { return Frame()->MdiArea(); }
     static int Flag() { return Frame()->Settings().MDITabInActive; }
-    static QTabBar* Tabs() { return Area()->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly); }
     static bool Tabbed() { return Area()->viewMode() == QMdiArea::TabbedView; }
+    static void Start(int savedFlag)
+    {
+        CRegistryStore().WriteProfileInt(QStringLiteral("Settings"), QStringLiteral("MDITabInActive"), savedFlag);
+        ASSERT_TRUE(App()->InitInstance({}));
+    }
 };
 
-TEST_F(TabsTest, StartShowsTabsAtTheTopWithTheFlagClear)
+// With the flag clear, Hide Tabs first installs the tabs again (setting the flag) and
+// only the next one hides them; with the flag saved set, the first one hides.
+TEST_F(TabsTest, HideTabsHidesOnTheFirstOrSecondTimeByTheSavedFlag)
 {
-    ASSERT_TRUE(App()->InitInstance({}));
-    EXPECT_TRUE(Tabbed());
-    EXPECT_EQ(Area()->tabPosition(), QTabWidget::North);
-    EXPECT_EQ(Frame()->TabAlignment(), 1);
-    EXPECT_EQ(Flag(), 0);
-    EXPECT_TRUE(Checked(Cmd::TabsToggle));
-    EXPECT_TRUE(Checked(Cmd::TabsTop));
-    // The first document came while the window was still hidden and fills the area.
-    ASSERT_EQ(Frame()->ChildFrames().size(), 1);
-    EXPECT_TRUE(Frame()->ChildFrames().first()->isMaximized());
-}
-
-TEST_F(TabsTest, TheFirstHideInstallsAgainAndOnlyTheSecondHides)
-{
-    ASSERT_TRUE(App()->InitInstance({}));
-    ASSERT_TRUE(OpenText(QStringLiteral("a.txt")));
-    ASSERT_TRUE(OpenText(QStringLiteral("b.txt")));
-
-    Run(Cmd::TabsToggle);
-    EXPECT_TRUE(Tabbed());
-    EXPECT_EQ(Flag(), 1);
-    EXPECT_FALSE(Checked(Cmd::TabsToggle));
-
-    Run(Cmd::TabsToggle);
-    EXPECT_FALSE(Tabbed());
-    EXPECT_EQ(Flag(), 0);
-    EXPECT_TRUE(Checked(Cmd::TabsToggle));
-    // Without tabs the documents still fill the area, whichever is brought forward.
+    for (const int saved : {0, 1}) {
+        App()->Shutdown();
+        Start(saved);
+        ASSERT_TRUE(OpenText("a.txt"));
+        EXPECT_TRUE(Tabbed());
+        EXPECT_EQ(Area()->tabPosition(), QTabWidget::North);
+        EXPECT_EQ(Checked(Cmd::TabsToggle), saved == 0);
+        if (saved == 0) {
+            Run(Cmd::TabsToggle);
+            EXPECT_TRUE(Tabbed());
+            EXPECT_EQ(Flag(), 1);
+            EXPECT_FALSE(Checked(Cmd::TabsToggle));
+        }
+        Run(Cmd::TabsToggle);
+        EXPECT_FALSE(Tabbed()) << saved;
+        EXPECT_EQ(Flag(), 0);
+        EXPECT_TRUE(Checked(Cmd::TabsToggle));
+    }
+    // Without tabs every document, old or new, still fills the area.
+    CScrivelFrame* b = OpenText("b.txt");
+    ASSERT_TRUE(b);
+    EXPECT_TRUE(b->isMaximized());
     for (CChildFrame* child : Frame()->ChildFrames()) {
         Area()->setActiveSubWindow(child);
         EXPECT_TRUE(child->isMaximized()) << child->windowTitle().toStdString();
     }
-
-    // A document opened now fills the area too.
-    CScrivelFrame* c = OpenText(QStringLiteral("c.txt"));
-    ASSERT_TRUE(c);
-    EXPECT_TRUE(c->isMaximized());
-
-    Run(Cmd::TabsToggle);
-    EXPECT_TRUE(Tabbed());
-    EXPECT_EQ(Flag(), 1);
-}
-
-TEST_F(TabsTest, ASavedFlagIsTakenWithoutInstallingAgain)
-{
-    CRegistryStore().WriteProfileInt(QStringLiteral("Settings"), QStringLiteral("MDITabInActive"), 1);
-    ASSERT_TRUE(App()->InitInstance({}));
-    EXPECT_TRUE(Tabbed());
-    EXPECT_EQ(Flag(), 1);
-    EXPECT_FALSE(Checked(Cmd::TabsToggle));
-    Run(Cmd::TabsToggle);
-    EXPECT_FALSE(Tabbed()) << "with the flag set the first Hide Tabs hides";
-}
-
-TEST_F(TabsTest, HiddenTabsDoNotSurviveARestart)
-{
-    ASSERT_TRUE(App()->InitInstance({}));
-    Run(Cmd::TabsToggle);
-    Run(Cmd::TabsToggle);
-    ASSERT_FALSE(Tabbed());
+    // Hidden tabs do not survive a restart.
     ASSERT_TRUE(Frame()->close());
     App()->Shutdown();
-
     ASSERT_TRUE(App()->InitInstance({}));
     EXPECT_TRUE(Tabbed());
     EXPECT_EQ(Flag(), 0);
+    ASSERT_EQ(Frame()->ChildFrames().size(), 1);
+    EXPECT_TRUE(Frame()->ChildFrames().first()->isMaximized()) << "the first document came before the window showed";
 }
 
 struct AlignCase
@@ -102,61 +73,43 @@ class TabAlignmentTest : public TabsTest, public ::testing::WithParamInterface<A
 {
 };
 
-const AlignCase kAlignCases[] = {
-    {"Left", Cmd::TabsLeft, 0, QTabWidget::West},
-    {"Right", Cmd::TabsRight, 2, QTabWidget::East},
-    {"Bottom", Cmd::TabsBottom, 3, QTabWidget::South},
-};
-
 TEST_P(TabAlignmentTest, MovesTheTabsAndInstallsThemWithTheFlagSet)
 {
     const AlignCase& c = GetParam();
-    ASSERT_TRUE(App()->InitInstance({}));
-    ASSERT_TRUE(OpenText(QStringLiteral("a.txt")));
+    Start(0);
     Run(c.id);
     EXPECT_TRUE(Tabbed());
     EXPECT_EQ(Area()->tabPosition(), c.position);
     EXPECT_EQ(Frame()->TabAlignment(), c.index);
-    EXPECT_EQ(Flag(), 1);
+    EXPECT_EQ(Flag(), c.id == Cmd::TabsTop ? 0 : 1) << "the current alignment does nothing";
     for (const int id : {int(Cmd::TabsLeft), int(Cmd::TabsTop), int(Cmd::TabsRight), int(Cmd::TabsBottom)})
         EXPECT_EQ(Checked(id), id == c.id) << id;
 
-    // Back to the top, from hidden tabs: the alignment brings them back.
+    // From hidden tabs another alignment brings them back; the current one leaves them hidden.
     Run(Cmd::TabsToggle);
+    if (c.id == Cmd::TabsTop)
+        Run(Cmd::TabsToggle);
     ASSERT_FALSE(Tabbed());
     Run(Cmd::TabsTop);
-    EXPECT_TRUE(Tabbed());
+    EXPECT_EQ(Tabbed(), c.id != Cmd::TabsTop);
     EXPECT_EQ(Area()->tabPosition(), QTabWidget::North);
-    EXPECT_EQ(Flag(), 1);
+    EXPECT_EQ(Flag(), c.id == Cmd::TabsTop ? 0 : 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sides, TabAlignmentTest, ::testing::ValuesIn(kAlignCases),
+INSTANTIATE_TEST_SUITE_P(Sides, TabAlignmentTest,
+                         ::testing::Values(AlignCase{"Left", Cmd::TabsLeft, 0, QTabWidget::West},
+                                           AlignCase{"Top", Cmd::TabsTop, 1, QTabWidget::North},
+                                           AlignCase{"Right", Cmd::TabsRight, 2, QTabWidget::East},
+                                           AlignCase{"Bottom", Cmd::TabsBottom, 3, QTabWidget::South}),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(TabsTest, TheCurrentAlignmentDoesNothing)
-{
-    ASSERT_TRUE(App()->InitInstance({}));
-    ASSERT_EQ(Flag(), 0);
-    Run(Cmd::TabsTop);
-    EXPECT_EQ(Flag(), 0) << "the toggle did not run";
-    Run(Cmd::TabsToggle);
-    Run(Cmd::TabsToggle);
-    ASSERT_FALSE(Tabbed());
-    Run(Cmd::TabsTop);
-    EXPECT_FALSE(Tabbed()) << "hidden tabs stay hidden";
-}
-
-TEST_F(TabsTest, ContextMenuActsOnTheTabUnderTheMouse)
+TEST_F(TabsTest, ContextMenuActsOnTheTabUnderTheMouseAndSurvivesANewTabStrip)
 {
     StartEmpty();
-    CScrivelFrame* a = OpenText(QStringLiteral("a.txt"));
-    ASSERT_TRUE(OpenText(QStringLiteral("b.txt")));
-    ASSERT_TRUE(a);
-    QTabBar* tabs = Tabs();
-    ASSERT_TRUE(tabs);
-    ASSERT_EQ(tabs->count(), 2);
-    ASSERT_NE(Frame()->ActiveChild(), a);
-
+    CScrivelFrame* a = OpenText("a.txt");
+    ASSERT_TRUE(a && OpenText("b.txt"));
+    auto* tabs = Area()->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_TRUE(tabs && tabs->count() == 2);
     Q_EMIT tabs->customContextMenuRequested(tabs->tabRect(0).center());
     EXPECT_EQ(Frame()->ActiveChild(), a);
     auto* menu = Frame()->findChild<QMenu*>(QStringLiteral("TabContextMenu"));
@@ -164,27 +117,25 @@ TEST_F(TabsTest, ContextMenuActsOnTheTabUnderTheMouse)
     QList<int> ids;
     for (QAction* action : menu->actions())
         ids << action->data().toInt();
-    EXPECT_EQ(ids, (QList<int>{Cmd::FileSave, Cmd::FileClose, Cmd::CloseAllButSelected,
-                               Cmd::CopyFilePath, Cmd::OpenContainingFolder}));
+    EXPECT_EQ(ids, (QList<int>{Cmd::FileSave, Cmd::FileClose, Cmd::CloseAllButSelected, Cmd::CopyFilePath,
+                               Cmd::OpenContainingFolder}));
     menu->close();
 
-    // The tab strip made after hiding and showing again has the menu too.
+    Run(Cmd::TabsToggle);
+    Run(Cmd::TabsToggle);
     Run(Cmd::TabsRight);
-    QTabBar* again = Tabs();
-    ASSERT_TRUE(again);
-    EXPECT_EQ(again->contextMenuPolicy(), Qt::CustomContextMenu);
+    tabs = Area()->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_TRUE(tabs);
+    EXPECT_EQ(tabs->contextMenuPolicy(), Qt::CustomContextMenu);
 }
 
-TEST_F(TabsTest, CopyFilepathWorksForEveryKindOfDocument)
+TEST_F(TabsTest, CopyFilePathWorksForEveryKindOfDocumentWithAPath)
 {
     StartEmpty();
-    CChildFrame* hex = OpenHex(QStringLiteral("data.bin"));
-    ASSERT_TRUE(hex);
-    ASSERT_TRUE(Enabled(Cmd::CopyFilePath));
+    CChildFrame* hex = OpenHex("data.bin");
+    ASSERT_TRUE(hex && Enabled(Cmd::CopyFilePath));
     Run(Cmd::CopyFilePath);
-    EXPECT_EQ(QApplication::clipboard()->text(),
-              QDir::toNativeSeparators(hex->GetDocument()->GetPathName()));
-
+    EXPECT_EQ(QApplication::clipboard()->text(), QDir::toNativeSeparators(hex->GetDocument()->GetPathName()));
     Run(Cmd::FileNew);
     EXPECT_FALSE(Enabled(Cmd::CopyFilePath)) << "an untitled document has no path";
     EXPECT_FALSE(Enabled(Cmd::OpenContainingFolder));
