@@ -44,25 +44,18 @@ TEST_F(MainFrameSettingsTest, FirstCloseWritesEveryValue)
     settings.Save();
     QSettings file(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Brackwyn"),
                    QStringLiteral("Morvane"));
-    const QStringList expected = {
-        QStringLiteral("Settings/MDITabInActive"),
-        QStringLiteral("ViewSettings/WordWrap"), QStringLiteral("ViewSettings/Whitespace"),
-        QStringLiteral("ViewSettings/LineEndings"), QStringLiteral("ViewSettings/CaretLine"),
-        QStringLiteral("ViewSettings/LineNumbers"), QStringLiteral("ViewSettings/FontSize"),
-        QStringLiteral("ViewSettings/FontBold"), QStringLiteral("ViewSettings/FontItalic"),
-        QStringLiteral("ViewSettings/CodeFolding"), QStringLiteral("ViewSettings/BlockSelect"),
-        QStringLiteral("ViewSettings/LargeTBIcons"), QStringLiteral("ViewSettings/FontStyle"),
-        QStringLiteral("ViewSettings/TabAsSpaces"), QStringLiteral("ViewSettings/TabGuides"),
-        QStringLiteral("ViewSettings/TabWidth"), QStringLiteral("ViewSettings/MatchBracket"),
-        QStringLiteral("ViewSettings/BraceBadColour"), QStringLiteral("ViewSettings/BraceHighlight"),
-        QStringLiteral("ViewSettings/CaretLineColour"), QStringLiteral("ViewSettings/CaretLineTransparency"),
-        QStringLiteral("PrintSettings/PrintHeader"), QStringLiteral("PrintSettings/PrintFooter"),
-        QStringLiteral("PrintSettings/PrintLineNumbers"),
-        QStringLiteral("BackupSettings/DeleteOnExit"), QStringLiteral("BackupSettings/Enabled"),
-        QStringLiteral("BackupSettings/Versions"), QStringLiteral("BackupSettings/BackupFolder"),
-        QStringLiteral("OutputSettings/ReuseWindows"), QStringLiteral("EditSettings/ResetUndoOnSave")};
-    for (const QString& key : expected)
-        EXPECT_TRUE(file.contains(key)) << key.toStdString();
+    const char* const expected[] = {
+        "Settings/MDITabInActive", "ViewSettings/WordWrap", "ViewSettings/Whitespace", "ViewSettings/LineEndings",
+        "ViewSettings/CaretLine", "ViewSettings/LineNumbers", "ViewSettings/FontSize", "ViewSettings/FontBold",
+        "ViewSettings/FontItalic", "ViewSettings/CodeFolding", "ViewSettings/BlockSelect",
+        "ViewSettings/LargeTBIcons", "ViewSettings/FontStyle", "ViewSettings/TabAsSpaces", "ViewSettings/TabGuides",
+        "ViewSettings/TabWidth", "ViewSettings/MatchBracket", "ViewSettings/BraceBadColour",
+        "ViewSettings/BraceHighlight", "ViewSettings/CaretLineColour", "ViewSettings/CaretLineTransparency",
+        "PrintSettings/PrintHeader", "PrintSettings/PrintFooter", "PrintSettings/PrintLineNumbers",
+        "BackupSettings/DeleteOnExit", "BackupSettings/Enabled", "BackupSettings/Versions",
+        "BackupSettings/BackupFolder", "OutputSettings/ReuseWindows", "EditSettings/ResetUndoOnSave"};
+    for (const char* key : expected)
+        EXPECT_TRUE(file.contains(QLatin1String(key))) << key;
     EXPECT_EQ(file.value(QStringLiteral("ViewSettings/CaretLineColour")).toLongLong(), 15651521);
     EXPECT_EQ(file.value(QStringLiteral("ViewSettings/FontStyle")).toString(), QStringLiteral("Courier New"));
 }

@@ -12,7 +12,7 @@ protected:
     void SetUp() override { TestSupport::ClearSettings(); }
 };
 
-TEST_F(RegistryStoreTest, MissingValuesGiveTheDefault)
+TEST_F(RegistryStoreTest, MissingValuesAndTextWhereANumberIsExpectedGiveTheDefault)
 {
     CRegistryStore store;
     EXPECT_EQ(store.GetProfileInt(QStringLiteral("ViewSettings"), QStringLiteral("TabWidth"), 4), 4);
@@ -21,6 +21,8 @@ TEST_F(RegistryStoreTest, MissingValuesGiveTheDefault)
     quint32 colour = 7;
     EXPECT_FALSE(store.GetProfileColor(QStringLiteral("ViewSettings"), QStringLiteral("BraceHighlight"), colour));
     EXPECT_EQ(colour, 7u) << "a failed colour read leaves the value to the caller";
+    store.WriteProfileString(QStringLiteral("ViewSettings"), QStringLiteral("FontSize"), QStringLiteral("large"));
+    EXPECT_EQ(store.GetProfileInt(QStringLiteral("ViewSettings"), QStringLiteral("FontSize"), 10), 10);
 }
 
 TEST_F(RegistryStoreTest, ValuesRoundTripThroughTheFile)
@@ -43,13 +45,6 @@ TEST_F(RegistryStoreTest, ValuesRoundTripThroughTheFile)
     ASSERT_TRUE(store.GetProfileColor(QStringLiteral("ViewSettings"), QStringLiteral("White"), colour));
     EXPECT_EQ(colour, 0xFFFFFFFFu);
     EXPECT_TRUE(QFile::exists(store.FileName()));
-}
-
-TEST_F(RegistryStoreTest, TextWhereANumberIsExpectedGivesTheDefault)
-{
-    CRegistryStore store;
-    store.WriteProfileString(QStringLiteral("ViewSettings"), QStringLiteral("FontSize"), QStringLiteral("large"));
-    EXPECT_EQ(store.GetProfileInt(QStringLiteral("ViewSettings"), QStringLiteral("FontSize"), 10), 10);
 }
 
 TEST_F(RegistryStoreTest, NullValueDeletesTheValueAndNullNameTheSection)

@@ -1,44 +1,21 @@
+#include "MainFrameFixture.h"
+
 #include "app/CDocTemplate.h"
-#include "app/CMainFrame.h"
-#include "app/CMorvaneApp.h"
 #include "app/CRegistryStore.h"
 #include "app/FileHandOff.h"
-#include "editor/CMFCScintilla.h"
-#include "editor/CScrivelDoc.h"
 #include "hex/CHexDocument.h"
-#include "TestSupport.h"
 
 #include <QDir>
 #include <QFile>
-#include <QMdiArea>
 #include <QSettings>
 #include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 
-// Each test starts the whole program afresh in the isolated home.
-class StartupTest : public ::testing::Test
+class StartupTest : public MainFrameFixture
 {
 protected:
-    void SetUp() override
-    {
-        App()->Shutdown();
-        TestSupport::ClearSettings();
-        m_dir = TestSupport::MakeTempDir();
-    }
-    void TearDown() override { App()->Shutdown(); }
-
-    static CMorvaneApp* App() { return CMorvaneApp::Instance(); }
-    static CMainFrame* Frame() { return CMorvaneApp::MainFrame(); }
-
     QString Path(const QString& name) const { return QDir(m_dir).filePath(name); }
-    QString MakeFile(const QString& name, const QByteArray& bytes) const
-    {
-        const QString path = Path(name);
-        TestSupport::WriteFile(path, bytes);
-        return path;
-    }
 
     static QList<CDocument*> Documents()
     {
@@ -57,8 +34,6 @@ protected:
             paths << document->GetPathName();
         return paths;
     }
-
-    QString m_dir;
 };
 
 TEST_F(StartupTest, NothingToOpenGivesExactlyOneUntitledDocument)
