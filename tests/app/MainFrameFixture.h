@@ -35,10 +35,6 @@ protected:
     static void StartEmpty()
     {
         ASSERT_TRUE(App()->InitInstance({}));
-        CloseAllDocuments();
-    }
-    static void CloseAllDocuments()
-    {
         Frame()->MdiArea()->closeAllSubWindows();
         Settle();
     }
