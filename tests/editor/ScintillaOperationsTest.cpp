@@ -1,19 +1,15 @@
 // The wrapper's composite operations against a real control.
 #include "editor/CMFCScintilla.h"
-#include "app/CRegistryStore.h"
-#include "EditorTestHelpers.h"
 #include "TestSupport.h"
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMessageBox>
 #include <gtest/gtest.h>
 #include <memory>
 
 namespace {
 
 using Sci = QsciScintillaBase;
-using EditorTest::MessageRecorder;
 
 class ScintillaOperationsTest : public ::testing::Test
 {
@@ -39,214 +35,82 @@ protected:
     std::unique_ptr<CMFCScintilla> m_editor;
 };
 
-// Line-number margin -------------------------------------------------------------------
-
-int ExpectedMarginWidth(CMFCScintilla& editor, int digits)
+TEST_F(ScintillaOperationsTest, CommentAndUncommentAreOneUndoStep)
 {
-    const long nine = editor.SendScintilla(Sci::SCI_TEXTWIDTH, static_cast<unsigned long>(Sci::STYLE_LINENUMBER), "9");
-    const int width = int(nine * digits + 4);
-    return width < 37 ? 36 : width;
-}
-
-TEST_F(ScintillaOperationsTest, LineNumberMarginKeepsFourDigitsUpTo9999LinesAndGrowsAt10000)
-{
-    // A wide font so that five digits clear the 36-pixel floor.
-    m_editor->SetFont(QStringLiteral("Monospace"), 16, false, false);
-    SetText(QByteArray(9998, '\n'));
-    ASSERT_EQ(m_editor->GetLineCount(), 9999);
-    m_editor->SetLineNumberMargin(true);
-    const long four = m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 1UL);
-    EXPECT_EQ(four, ExpectedMarginWidth(*m_editor, 4));
-
-    m_editor->AddText("\n", 1);
-    ASSERT_EQ(m_editor->GetLineCount(), 10000);
-    m_editor->SetLineNumberMargin(true);
-    const long five = m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 1UL);
-    EXPECT_EQ(five, ExpectedMarginWidth(*m_editor, 5));
-    EXPECT_GT(five, four);
-
-    m_editor->SetLineNumberMargin(false);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 1UL), 0);
-}
-
-TEST_F(ScintillaOperationsTest, ShortDocumentsStillGetTheMinimumMarginWidth)
-{
-    m_editor->SetFont(QStringLiteral("Monospace"), 6, false, false);
-    SetText("one line");
-    m_editor->SetLineNumberMargin(true);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 1UL), ExpectedMarginWidth(*m_editor, 4));
-    EXPECT_GE(m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 1UL), 36);
-}
-
-// Comment and uncomment ----------------------------------------------------------------
-
-struct CommentCase
-{
-    const char* name;
-    QByteArray text;
-    QByteArray token;
-    long selStart;
-    long selEnd;
-    bool comment;
-    QByteArray expected;
-};
-
-std::ostream& operator<<(std::ostream& out, const CommentCase& c)
-{
-    return out << c.name;
-}
-
-class CommentLinesTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<CommentCase>
-{
-};
-
-TEST_P(CommentLinesTest, ChangesTheSelectedLinesAsOneUndoStep)
-{
-    const CommentCase& c = GetParam();
-    SetText(c.text);
-    m_editor->SetSel(c.selStart, c.selEnd);
-    m_editor->CommentLines(c.comment, c.token);
-    EXPECT_EQ(Text(), c.expected);
-    if (c.expected != c.text) {
-        m_editor->Undo();
-        EXPECT_EQ(Text(), c.text) << "one undo step restores the text";
-        EXPECT_FALSE(m_editor->CanUndo());
+    struct Case { const char* name; QByteArray text, token; long selStart, selEnd; bool comment; QByteArray expected; };
+    const QByteArray longLine(1000, 'a');
+    const Case cases[] = {
+        {"caret line, long token", "abc\ndef", "//", 1, 1, true, "// abc\ndef"},
+        {"one-character token", "a\nb\nc", "#", 0, 3, true, "# a\n# b\nc"},
+        {"empty token inserts a blank", "abc\ndef", "", 0, 7, true, " abc\n def"},
+        {"selection ending at column 0 leaves that line", "a\nb\nc", "//", 0, 4, true, "// a\n// b\nc"},
+        {"selection ending inside the last line takes it", "a\nbc\nd", "//", 0, 4, true, "// a\n// bc\nd"},
+        {"caret at column 0 counts", "a\nb", "//", 0, 0, true, "// a\nb"},
+        {"lines of 1000 characters are skipped", longLine + "\nb", "//", 0, 1002, true, longLine + "\n// b"},
+        {"uncomment token and blank", "// abc\n// def", "//", 0, 13, false, "abc\ndef"},
+        {"uncomment token without blank", "//abc", "//", 0, 0, false, "abc"},
+        {"uncomment xx removes one x", "xx", "x", 0, 0, false, "x"},
+        {"uncomment skips lines without token", "a\n# b\nc", "#", 0, 7, false, "a\nb\nc"},
+        {"uncomment empty token removes the blank", " abc\ndef", "", 0, 8, false, "abc\ndef"},
+        {"uncomment leaves a token in the middle", "a // b", "//", 0, 0, false, "a // b"},
+        {"uncomment column 0 rule", "// a\n// b\n// c", "//", 0, 10, false, "a\nb\n// c"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        SetText(c.text);
+        m_editor->SetSel(c.selStart, c.selEnd);
+        m_editor->CommentLines(c.comment, c.token);
+        EXPECT_EQ(Text(), c.expected);
+        if (c.expected != c.text) {
+            m_editor->Undo();
+            EXPECT_EQ(Text(), c.text);
+            EXPECT_FALSE(m_editor->CanUndo());
+        }
     }
 }
 
-const QByteArray LongLine = QByteArray(1000, 'a');
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, CommentLinesTest,
-    ::testing::Values(
-        CommentCase{"caret_line_long_token", "abc\ndef", "//", 1, 1, true, "// abc\ndef"},
-        CommentCase{"one_char_token_two_lines", "a\nb\nc", "#", 0, 3, true, "# a\n# b\nc"},
-        CommentCase{"empty_token_inserts_a_blank", "abc\ndef", "", 0, 7, true, " abc\n def"},
-        CommentCase{"selection_ending_at_column_0_leaves_that_line", "a\nb\nc", "//", 0, 4, true,
-                    "// a\n// b\nc"},
-        CommentCase{"selection_ending_inside_last_line_takes_it", "a\nbc\nd", "//", 0, 4, true,
-                    "// a\n// bc\nd"},
-        CommentCase{"single_line_selection_at_column_0_counts", "a\nb", "//", 0, 0, true, "// a\nb"},
-        CommentCase{"uncomment_token_and_blank", "// abc\n// def", "//", 0, 13, false, "abc\ndef"},
-        CommentCase{"uncomment_token_without_blank", "//abc", "//", 0, 0, false, "abc"},
-        CommentCase{"uncomment_xx_removes_one_x", "xx", "x", 0, 0, false, "x"},
-        CommentCase{"uncomment_skips_lines_without_token", "a\n# b\nc", "#", 0, 7, false, "a\nb\nc"},
-        CommentCase{"uncomment_empty_token_removes_the_blank", " abc\ndef", "", 0, 8, false, "abc\ndef"},
-        CommentCase{"uncomment_token_only_in_the_middle_is_kept", "a // b", "//", 0, 0, false, "a // b"},
-        CommentCase{"lines_of_1000_characters_are_skipped", LongLine + "\nb", "//", 0, 1002, true,
-                    LongLine + "\n// b"},
-        CommentCase{"uncomment_column_0_rule", "// a\n// b\n// c", "//", 0, 10, false, "a\nb\n// c"}));
-
-TEST_F(ScintillaOperationsTest, CommentThenUncommentWithTheKeptSelectionRoundTrips)
+TEST_F(ScintillaOperationsTest, CommentKeepsTheSelectionOnItsCharacters)
 {
     SetText("alpha\nbeta\ngamma\n");
-    m_editor->SetSel(0, 11); // to column 0 of "gamma"
+    m_editor->SetSel(11, 0); // backward, anchor at column 0 of "gamma"
     m_editor->CommentLines(true, "//");
     EXPECT_EQ(Text(), "// alpha\n// beta\ngamma\n");
-    EXPECT_EQ(m_editor->GetSelectionStart(), 0);
-    EXPECT_EQ(m_editor->GetSelectionEnd(), 17) << "still ends at the start of \"gamma\"";
+    EXPECT_EQ(m_editor->GetCurrentPos(), 0);
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETANCHOR), 17);
     m_editor->CommentLines(false, "//");
     EXPECT_EQ(Text(), "alpha\nbeta\ngamma\n");
-    EXPECT_EQ(m_editor->GetSelectionEnd(), 11);
-}
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETANCHOR), 11);
 
-TEST_F(ScintillaOperationsTest, CommentKeepsAPlainCaretBesideItsCharacter)
-{
     SetText("    value");
     m_editor->GotoPos(6);
     m_editor->CommentLines(true, "#");
-    EXPECT_EQ(Text(), "#     value");
     EXPECT_EQ(m_editor->GetCurrentPos(), 8);
     EXPECT_FALSE(m_editor->HasSelection());
-    m_editor->CommentLines(false, "#");
-    EXPECT_EQ(m_editor->GetCurrentPos(), 6);
 }
 
-TEST_F(ScintillaOperationsTest, BackwardSelectionKeepsTheCaretAtItsStart)
+TEST_F(ScintillaOperationsTest, InsertWithSelectionPutsTheSelectionIntoTheMarker)
 {
-    SetText("a\nb\nc");
-    m_editor->SetSel(3, 0); // anchor after "b", caret at the start
-    m_editor->CommentLines(true, "//");
-    EXPECT_EQ(Text(), "// a\n// b\nc");
-    EXPECT_EQ(m_editor->GetCurrentPos(), 0);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETANCHOR), 9);
+    struct Case { QByteArray text; long selStart, selEnd; QByteArray insert, expected; long caret; };
+    const Case cases[] = {
+        {"aXYb", 1, 3, "<b><%REPLACE%></b>", "a<b>XY</b>b", 10},
+        {"abcdef", 3, 3, "<b><%REPLACE%></b>", "abc<b></b>def", 3}, // no selection: caret stays before
+        {"x", 0, 1, "[<%REPLACE%>|<%REPLACE%>]", "[x|x]", 5},
+        {"ab", 1, 1, "[<%REPLACE%>|<%REPLACE%>]", "a[|]b", 1},
+        {"a123b", 1, 4, "<BR/>", "a<BR/>b", 6},
+        {"<%REPLACE%>", 0, 11, "(<%REPLACE%>)", "(<%REPLACE%>)", 13}, // not scanned again
+        {"s", 0, 1, "<%replace%>", "<%replace%>", 11},
+        {"l1\r\nl2", 0, 6, "<p><%REPLACE%></p>", "<p>l1\r\nl2</p>", 13},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.expected.constData());
+        SetText(c.text);
+        m_editor->SetSel(c.selStart, c.selEnd);
+        m_editor->InsertWithSelection(c.insert);
+        EXPECT_EQ(Text(), c.expected);
+        EXPECT_EQ(m_editor->GetCurrentPos(), c.caret);
+        EXPECT_FALSE(m_editor->HasSelection());
+    }
 }
-
-// Insertion ----------------------------------------------------------------------------
-
-struct InsertCase
-{
-    const char* name;
-    QByteArray text;
-    long selStart;
-    long selEnd;
-    QByteArray insert;
-    QByteArray expected;
-    long caret;
-};
-
-std::ostream& operator<<(std::ostream& out, const InsertCase& c)
-{
-    return out << c.name;
-}
-
-class InsertWithSelectionTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<InsertCase>
-{
-};
-
-TEST_P(InsertWithSelectionTest, PutsTheSelectionIntoTheMarker)
-{
-    const InsertCase& c = GetParam();
-    SetText(c.text);
-    m_editor->SetSel(c.selStart, c.selEnd);
-    m_editor->InsertWithSelection(c.insert);
-    EXPECT_EQ(Text(), c.expected);
-    EXPECT_EQ(m_editor->GetCurrentPos(), c.caret);
-    EXPECT_FALSE(m_editor->HasSelection());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, InsertWithSelectionTest,
-    ::testing::Values(
-        InsertCase{"wraps_the_selection", "aXYb", 1, 3, "<b><%REPLACE%></b>", "a<b>XY</b>b", 10},
-        InsertCase{"no_selection_caret_stays_before", "abcdef", 3, 3, "<b><%REPLACE%></b>", "abc<b></b>def", 3},
-        InsertCase{"marker_twice", "x", 0, 1, "[<%REPLACE%>|<%REPLACE%>]", "[x|x]", 5},
-        InsertCase{"marker_twice_no_selection", "ab", 1, 1, "[<%REPLACE%>|<%REPLACE%>]", "a[|]b", 1},
-        InsertCase{"no_marker_replaces_the_selection", "a123b", 1, 4, "<BR/>", "a<BR/>b", 6},
-        InsertCase{"replacement_is_not_scanned_again", "<%REPLACE%>", 0, 11, "(<%REPLACE%>)", "(<%REPLACE%>)", 13},
-        InsertCase{"marker_case_matters", "s", 0, 1, "<%replace%>", "<%replace%>", 11},
-        InsertCase{"line_ends_of_the_selection_stay", "l1\r\nl2", 0, 6, "<p><%REPLACE%></p>", "<p>l1\r\nl2</p>",
-                   13}));
-
-TEST_F(ScintillaOperationsTest, DateAndTimeGoInInTheLocaleFormsWithTheCaretBefore)
-{
-    SetText("[]");
-    m_editor->GotoPos(1);
-    const QDateTime before = QDateTime::currentDateTime();
-    m_editor->InsertDate();
-    const QDateTime after = QDateTime::currentDateTime();
-    const QByteArray text = Text();
-    const QByteArray date = CMFCScintilla::DateText(before).toUtf8();
-    ASSERT_FALSE(date.isEmpty());
-    EXPECT_TRUE(text == "[" + date + "]" || text == "[" + CMFCScintilla::DateText(after).toUtf8() + "]") << text.constData();
-    EXPECT_EQ(m_editor->GetCurrentPos(), 1);
-
-    SetText("");
-    m_editor->InsertTime();
-    const QByteArray time = Text();
-    EXPECT_FALSE(time.isEmpty());
-    EXPECT_FALSE(time.contains("UTC")) << "no time zone in the inserted time";
-}
-
-TEST(ScintillaTimeText, HasSecondsAndNoZone)
-{
-    const QDateTime when(QDate(2024, 3, 9), QTime(14, 5, 7));
-    const QString text = CMFCScintilla::TimeText(when);
-    EXPECT_TRUE(text.contains(QStringLiteral("07"))) << text.toStdString();
-    EXPECT_TRUE(text.contains(QStringLiteral("05"))) << text.toStdString();
-}
-
-// Caret and selection operations --------------------------------------------------------
 
 TEST_F(ScintillaOperationsTest, IndentWithoutSelectionMovesTheWholeLine)
 {
@@ -257,144 +121,48 @@ TEST_F(ScintillaOperationsTest, IndentWithoutSelectionMovesTheWholeLine)
     EXPECT_EQ(m_editor->GetCurrentPos(), 10) << "the caret went to column 0 before the tab";
 }
 
-TEST_F(ScintillaOperationsTest, IndentWithSelectionIndentsEveryLine)
+TEST_F(ScintillaOperationsTest, SelectLineLeavesTheLineEndOut)
 {
-    SetText("a\nb\nc");
-    m_editor->SetSel(0, 3);
-    m_editor->Indent();
-    EXPECT_EQ(Text(), "    a\n    b\nc");
+    struct Case { QByteArray text; long line; QByteArray selected; };
+    for (const Case& c : {Case{"ab\ncd", 1, "cd"}, Case{"ab\r\ncd\r\n", 0, "ab"}, Case{"ab\n", 1, ""},
+                          Case{"ab\rcd", 1, "cd"}}) {
+        SetText(c.text);
+        m_editor->SelectLine(c.line);
+        EXPECT_EQ(m_editor->GetSelText(), c.selected) << c.text.constData() << " line " << c.line;
+    }
 }
 
-struct SelectLineCase
+TEST_F(ScintillaOperationsTest, FindsTheBraceBesideTheCaretAndItsPartner)
 {
-    const char* name;
-    QByteArray text;
-    long line;
-    QByteArray selected;
-};
-
-std::ostream& operator<<(std::ostream& out, const SelectLineCase& c)
-{
-    return out << c.name;
+    struct Case { QByteArray text; long caret; bool sloppy; long brace, partner; };
+    const Case cases[] = {
+        {"f(a[b]c)", 2, false, 1, 7}, {"f(a[b]c)", 8, false, 7, 1}, {"f(a[b]c)", 6, false, 5, 3},
+        {"f(a)", 1, false, -1, -1},   {"f(a)", 1, true, 1, 3},      {"()", 1, true, 0, 1},
+        {"{ a", 1, false, 0, -1},     {"{\n  x\n}", 1, false, 0, 6}, {"abc", 2, true, -1, -1},
+        {"(a)", 0, false, -1, -1},    {"a<b>", 3, true, -1, -1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.text.constData() << " caret " << c.caret << " sloppy " << c.sloppy);
+        SetText(c.text);
+        m_editor->GotoPos(c.caret);
+        const CMFCScintilla::BraceMatch match = m_editor->FindMatchingBrace(c.sloppy);
+        EXPECT_EQ(match.brace, c.brace);
+        EXPECT_EQ(match.partner, c.partner);
+        EXPECT_FALSE(match.colon);
+    }
 }
 
-class SelectLineTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<SelectLineCase>
+TEST_F(ScintillaOperationsTest, BraceGuideStandsOnTheSmallerColumnOfThePair)
 {
-};
-
-TEST_P(SelectLineTest, SelectsTheLineWithoutItsEnd)
-{
-    const SelectLineCase& c = GetParam();
-    SetText(c.text);
-    m_editor->SelectLine(c.line);
-    EXPECT_EQ(m_editor->GetSelText(), c.selected);
+    struct Case { QByteArray text; long caret, guide; };
+    for (const Case& c : {Case{"    {\n        x;\n    }", 23, 4}, Case{"ab(cd)", 6, 2}, Case{"    {\n", 5, 0}}) {
+        SetText(c.text);
+        m_editor->SendScintilla(Sci::SCI_SETHIGHLIGHTGUIDE, 9UL);
+        m_editor->GotoPos(c.caret);
+        m_editor->HighlightBrace();
+        EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), c.guide) << c.text.constData();
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, SelectLineTest,
-                         ::testing::Values(SelectLineCase{"first_lf", "ab\ncd", 0, "ab"},
-                                           SelectLineCase{"last_line_to_end_of_text", "ab\ncd", 1, "cd"},
-                                           SelectLineCase{"crlf", "ab\r\ncd\r\n", 0, "ab"},
-                                           SelectLineCase{"empty_last_line", "ab\n", 1, ""},
-                                           SelectLineCase{"cr_only", "ab\rcd", 1, "cd"}));
-
-TEST_F(ScintillaOperationsTest, SelectWordAndDeleteWordWorkOnTheWordAtTheCaret)
-{
-    SetText("hello brave world");
-    m_editor->SelectWord(8);
-    EXPECT_EQ(m_editor->GetSelText(), "brave");
-
-    m_editor->GotoPos(8);
-    m_editor->DeleteWord();
-    EXPECT_EQ(Text(), "hello  world");
-}
-
-TEST_F(ScintillaOperationsTest, GetCharAtReadsTheTargetEndByDefault)
-{
-    SetText("abc\xC3\xA9");
-    m_editor->SetTargetStart(0);
-    m_editor->SetTargetEnd(1);
-    EXPECT_EQ(m_editor->GetCharAt(), 'b');
-    EXPECT_EQ(m_editor->GetCharAt(0), 'a');
-    EXPECT_EQ(m_editor->GetCharAt(3), 0xC3) << "bytes read unsigned";
-}
-
-// Braces and auto indent -----------------------------------------------------------------
-
-struct BraceCase
-{
-    const char* name;
-    QByteArray text;
-    long caret;
-    bool sloppy;
-    long brace;
-    long partner;
-};
-
-std::ostream& operator<<(std::ostream& out, const BraceCase& c)
-{
-    return out << c.name;
-}
-
-class BraceTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<BraceCase>
-{
-};
-
-TEST_P(BraceTest, FindsTheBraceBesideTheCaretAndItsPartner)
-{
-    const BraceCase& c = GetParam();
-    SetText(c.text);
-    m_editor->GotoPos(c.caret);
-    const CMFCScintilla::BraceMatch match = m_editor->FindMatchingBrace(c.sloppy);
-    EXPECT_EQ(match.brace, c.brace);
-    EXPECT_EQ(match.partner, c.partner);
-    EXPECT_FALSE(match.colon);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, BraceTest,
-                         ::testing::Values(BraceCase{"before_caret", "f(a[b]c)", 2, false, 1, 7},
-                                           BraceCase{"closing_before_caret", "f(a[b]c)", 8, false, 7, 1},
-                                           BraceCase{"square", "f(a[b]c)", 6, false, 5, 3},
-                                           BraceCase{"after_caret_needs_sloppy", "f(a)", 1, false, -1, -1},
-                                           BraceCase{"after_caret_sloppy", "f(a)", 1, true, 1, 3},
-                                           BraceCase{"before_wins_over_after", "()", 1, true, 0, 1},
-                                           BraceCase{"unmatched", "{ a", 1, false, 0, -1},
-                                           BraceCase{"across_lines", "{\n  x\n}", 1, false, 0, 6},
-                                           BraceCase{"no_brace", "abc", 2, true, -1, -1},
-                                           BraceCase{"caret_at_start", "(a)", 0, false, -1, -1}));
-
-struct GuideCase
-{
-    const char* name;
-    QByteArray text;
-    long caret;
-    long guide;
-};
-
-std::ostream& operator<<(std::ostream& out, const GuideCase& c)
-{
-    return out << c.name;
-}
-
-class HighlightGuideTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<GuideCase>
-{
-};
-
-TEST_P(HighlightGuideTest, GuideStandsOnTheSmallerColumnOfThePair)
-{
-    const GuideCase& c = GetParam();
-    SetText(c.text);
-    m_editor->SendScintilla(Sci::SCI_SETHIGHLIGHTGUIDE, 9UL);
-    m_editor->GotoPos(c.caret);
-    m_editor->HighlightBrace();
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETHIGHLIGHTGUIDE), c.guide);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, HighlightGuideTest,
-                         ::testing::Values(GuideCase{"indented_block", "    {\n        x;\n    }", 23, 4},
-                                           GuideCase{"opening_brace", "  {\n  }", 3, 2},
-                                           GuideCase{"pair_on_one_line", "ab(cd)", 6, 2},
-                                           GuideCase{"lone_brace_clears_the_guide", "    {\n", 5, 0},
-                                           GuideCase{"no_brace_clears_the_guide", "    x", 5, 0}));
 
 TEST_F(ScintillaOperationsTest, PythonColonOpensABlockUpToItsLastChild)
 {
@@ -402,283 +170,120 @@ TEST_F(ScintillaOperationsTest, PythonColonOpensABlockUpToItsLastChild)
     m_editor->SetFolding(true);
     SetText("if x:\n    y = 1\n    z = 2\nw = 3\n");
     m_editor->SendScintilla(Sci::SCI_COLOURISE, 0UL, -1L);
-    ASSERT_EQ(m_editor->GetStyleAt(4) & 31, 10) << "the lexer styles the colon as an operator";
     m_editor->GotoPos(5);
     const CMFCScintilla::BraceMatch match = m_editor->FindMatchingBrace(false);
     EXPECT_TRUE(match.colon);
     EXPECT_EQ(match.brace, 4);
     EXPECT_EQ(match.partner, m_editor->GetLineEndPosition(2));
-
-    // The same colon in plain text is no brace.
     m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "null");
     m_editor->SendScintilla(Sci::SCI_COLOURISE, 0UL, -1L);
-    EXPECT_EQ(m_editor->FindMatchingBrace(false).brace, -1);
+    EXPECT_EQ(m_editor->FindMatchingBrace(false).brace, -1) << "in plain text a colon is no brace";
 }
 
-TEST_F(ScintillaOperationsTest, OnlyTheSixBracketsAreBraces)
+// The control has already inserted the typed character when it reports it; so does the test.
+TEST_F(ScintillaOperationsTest, AutoIndentsTheNewLine)
 {
-    for (char c : QByteArray("[](){}"))
-        EXPECT_TRUE(CMFCScintilla::IsBrace(c)) << c;
-    for (char c : QByteArray("<>:\"'a \0", 8))
-        EXPECT_FALSE(CMFCScintilla::IsBrace(c)) << int(c);
-}
-
-struct AutoIndentCase
-{
-    const char* name;
-    QByteArray before; // the caret stands at its end
-    int eolMode;
-    int typed;
-    bool indentAfterBrace;
-    QByteArray expected;
-    long caret; // -1: at the end
-};
-
-std::ostream& operator<<(std::ostream& out, const AutoIndentCase& c)
-{
-    return out << c.name;
-}
-
-class AutoIndentTest : public ScintillaOperationsTest, public ::testing::WithParamInterface<AutoIndentCase>
-{
-};
-
-// The control has already inserted the typed character when it reports it; the test
-// does the same and then calls the handler.
-TEST_P(AutoIndentTest, IndentsTheNewLine)
-{
-    const AutoIndentCase& c = GetParam();
-    SetText(c.before);
-    m_editor->SetEOLMode(c.eolMode);
-    m_editor->GotoPos(m_editor->GetLength());
-    const char typed = char(c.typed);
-    m_editor->AddText(&typed, 1);
-    m_editor->AutoIndent(c.typed, c.indentAfterBrace);
-    EXPECT_EQ(Text(), c.expected);
-    EXPECT_EQ(m_editor->GetCurrentPos(), c.caret < 0 ? m_editor->GetLength() : c.caret);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, AutoIndentTest,
-    ::testing::Values(
-        AutoIndentCase{"keeps_the_indent_lf", "    foo", 2, '\n', false, "    foo\n    ", -1},
-        AutoIndentCase{"keeps_the_indent_crlf", "  foo\r", 0, '\n', false, "  foo\r\n  ", -1},
-        AutoIndentCase{"cr_mode_triggers_on_cr", "  foo", 1, '\r', false, "  foo\r  ", -1},
-        AutoIndentCase{"lf_does_nothing_in_cr_mode", "  foo", 1, '\n', false, "  foo\n", -1},
-        AutoIndentCase{"unmatched_brace_adds_a_step", "if (x) {", 2, '\n', true, "if (x) {\n    ", -1},
-        AutoIndentCase{"unmatched_brace_ignored_without_the_flag", "if (x) {", 2, '\n', false, "if (x) {\n", -1},
-        AutoIndentCase{"matched_brace_adds_nothing", "  { }", 2, '\n', true, "  { }\n  ", -1},
-        AutoIndentCase{"last_open_brace_counts", "} {", 2, '\n', true, "} {\n    ", -1},
-        AutoIndentCase{"empty_lines_are_passed", "  a\n", 2, '\n', false, "  a\n\n  ", -1},
-        AutoIndentCase{"closing_brace_takes_the_partner_indent", "    {\n        x;\n        ", 2, '}', true,
-                       "    {\n        x;\n    }", -1},
-        AutoIndentCase{"closing_brace_on_the_same_line_changes_nothing", "  {", 2, '}', true, "  {}", -1},
-        AutoIndentCase{"other_characters_do_nothing", "    a", 2, 'b', true, "    ab", -1}));
-
-// Bookmarks -----------------------------------------------------------------------------
-
-class BookmarkTest : public ScintillaOperationsTest
-{
-protected:
-    void SetUp() override
-    {
-        ScintillaOperationsTest::SetUp();
-        SetText("0\n1\n2\n3\n4\n5\n6\n7\n8\n9");
+    struct Case { const char* name; QByteArray before; int eolMode; char typed; bool indentAfterBrace; QByteArray expected; };
+    const Case cases[] = {
+        {"keeps the indent", "    foo", Sci::SC_EOL_LF, '\n', false, "    foo\n    "},
+        {"crlf", "  foo\r", Sci::SC_EOL_CRLF, '\n', false, "  foo\r\n  "},
+        {"cr mode triggers on cr", "  foo", Sci::SC_EOL_CR, '\r', false, "  foo\r  "},
+        {"lf does nothing in cr mode", "  foo", Sci::SC_EOL_CR, '\n', false, "  foo\n"},
+        {"unmatched { adds a step", "if (x) {", Sci::SC_EOL_LF, '\n', true, "if (x) {\n    "},
+        {"unmatched { without the flag", "if (x) {", Sci::SC_EOL_LF, '\n', false, "if (x) {\n"},
+        {"matched braces add nothing", "  { }", Sci::SC_EOL_LF, '\n', true, "  { }\n  "},
+        {"last open brace counts", "} {", Sci::SC_EOL_LF, '\n', true, "} {\n    "},
+        {"empty lines are passed", "  a\n", Sci::SC_EOL_LF, '\n', false, "  a\n\n  "},
+        {"} takes the indent of its partner", "    {\n        x;\n        ", Sci::SC_EOL_LF, '}', true,
+         "    {\n        x;\n    }"},
+        {"} on the line of its partner", "  {", Sci::SC_EOL_LF, '}', true, "  {}"},
+        {"other characters do nothing", "    a", Sci::SC_EOL_LF, 'b', true, "    ab"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        SetText(c.before);
+        m_editor->SetEOLMode(c.eolMode);
+        m_editor->GotoPos(m_editor->GetLength());
+        m_editor->AddText(&c.typed, 1);
+        m_editor->AutoIndent(c.typed, c.indentAfterBrace);
+        EXPECT_EQ(Text(), c.expected);
+        EXPECT_EQ(m_editor->GetCurrentPos(), m_editor->GetLength());
     }
-    long Line() const { return m_editor->GetCurrentLine(); }
-};
-
-TEST_F(BookmarkTest, ToggleSetsAndClearsOnlyTheBookmarkMarker)
-{
-    m_editor->GotoLine(4);
-    m_editor->ToggleBookmark();
-    EXPECT_TRUE(m_editor->HasBookmark(4));
-    m_editor->SendScintilla(Sci::SCI_MARKERADD, 6UL, 15L);
-    m_editor->ToggleBookmark(6);
-    m_editor->MarkerDeleteAll();
-    EXPECT_FALSE(m_editor->HasBookmark(4));
-    EXPECT_FALSE(m_editor->HasBookmark(6));
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_MARKERGET, 6UL), 1 << 15) << "other markers stay";
-    m_editor->ToggleBookmark(4);
-    m_editor->ToggleBookmark(4);
-    EXPECT_FALSE(m_editor->HasBookmark(4));
 }
 
-TEST_F(BookmarkTest, NextAndPreviousWrapAroundTheEnds)
+TEST_F(ScintillaOperationsTest, BookmarksWrapAroundTheEndsAndSayWhenThereIsNoOther)
 {
+    SetText("0\n1\n2\n3\n4\n5\n6\n7\n8\n9");
+    m_editor->SendScintilla(Sci::SCI_MARKERADD, 5UL, 15L); // another marker is no bookmark
     m_editor->ToggleBookmark(2);
-    m_editor->ToggleBookmark(7);
-    m_editor->GotoLine(3);
-    TestSupport::ModalAnswerer messages;
-    EXPECT_TRUE(m_editor->NextBookmark(true, false));
-    EXPECT_EQ(Line(), 7);
-    EXPECT_TRUE(m_editor->NextBookmark(true, false));
-    EXPECT_EQ(Line(), 2) << "forward wraps to the top";
-    EXPECT_TRUE(m_editor->NextBookmark(false, false));
-    EXPECT_EQ(Line(), 7) << "backward wraps to the bottom";
-    EXPECT_TRUE(m_editor->NextBookmark(false, false));
-    EXPECT_EQ(Line(), 2);
-    EXPECT_TRUE(messages.Texts().isEmpty());
-}
-
-TEST_F(BookmarkTest, BookmarkOnTheLastLineIsFoundFromTheFirst)
-{
     m_editor->ToggleBookmark(9);
-    m_editor->GotoLine(0);
-    EXPECT_TRUE(m_editor->NextBookmark(false, false));
-    EXPECT_EQ(Line(), 9);
-}
+    m_editor->GotoLine(3);
+    {
+        TestSupport::ModalAnswerer messages;
+        for (auto [forward, line] : {std::pair{true, 9L}, {true, 2L}, {false, 9L}, {false, 2L}}) {
+            EXPECT_TRUE(m_editor->NextBookmark(forward, false));
+            EXPECT_EQ(m_editor->GetCurrentLine(), line) << forward;
+        }
+        EXPECT_TRUE(messages.Texts().isEmpty());
+    }
+    const long anchor = m_editor->GetCurrentPos();
+    EXPECT_TRUE(m_editor->NextBookmark(true, true));
+    EXPECT_EQ(m_editor->GetSelectionStart(), anchor) << "the anchor stays";
+    EXPECT_EQ(m_editor->GetSelectionEnd(), m_editor->PositionFromLine(9));
 
-TEST_F(BookmarkTest, NoOtherBookmarkSaysSoWithTheExclamationIcon)
-{
-    for (bool withOwnLine : {false, true}) {
-        m_editor->MarkerDeleteAll();
+    m_editor->MarkerDeleteAll();
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_MARKERGET, 5UL), 1 << 15) << "only bookmarks are cleared";
+    for (bool onOwnLine : {false, true}) {
         m_editor->GotoLine(5);
-        if (withOwnLine)
+        if (onOwnLine)
             m_editor->ToggleBookmark(5);
         for (bool forward : {true, false}) {
-            MessageRecorder messages;
+            TestSupport::ModalAnswerer messages;
             EXPECT_FALSE(m_editor->NextBookmark(forward, false));
-            ASSERT_EQ(messages.Texts(), QStringList{QStringLiteral("No more bookmarks have been found")});
-            EXPECT_EQ(messages.Icons().value(0), int(QMessageBox::Warning));
-            EXPECT_EQ(Line(), 5);
+            EXPECT_EQ(messages.Texts(), QStringList{QStringLiteral("No more bookmarks have been found")});
+            EXPECT_EQ(m_editor->GetCurrentLine(), 5);
         }
     }
 }
 
-TEST_F(BookmarkTest, AnchorExtendsTheSelection)
-{
-    m_editor->ToggleBookmark(6);
-    m_editor->GotoLine(1);
-    const long anchor = m_editor->GetCurrentPos();
-    EXPECT_TRUE(m_editor->NextBookmark(true, true));
-    EXPECT_EQ(m_editor->GetSelectionStart(), anchor);
-    EXPECT_EQ(m_editor->GetSelectionEnd(), m_editor->PositionFromLine(6));
-}
-
-TEST_F(BookmarkTest, JumpsAreReported)
-{
-    m_editor->ToggleBookmark(8);
-    m_editor->GotoLine(1);
-    QList<QPair<long, long>> jumps;
-    QObject::connect(m_editor.get(), &CMFCScintilla::caretJumped,
-                     [&](long from, long to) { jumps.append({from, to}); });
-    m_editor->NextBookmark(true, false);
-    m_editor->JumpToLine(3);
-    ASSERT_EQ(jumps.size(), 2);
-    EXPECT_EQ(jumps[0], qMakePair(m_editor->PositionFromLine(1), m_editor->PositionFromLine(8)));
-    EXPECT_EQ(jumps[1], qMakePair(m_editor->PositionFromLine(8), m_editor->PositionFromLine(3)));
-}
-
-// Clipboard and search seed ---------------------------------------------------------------
-
-TEST_F(ScintillaOperationsTest, CopyAppendAddsTheSelectionToTheClipboardText)
+TEST_F(ScintillaOperationsTest, CutAppendDeletesOnlyWhatItCopied)
 {
     QClipboard* clipboard = QApplication::clipboard();
     clipboard->setText(QStringLiteral("old "));
     SetText("keep \xC3\xA9t\xC3\xA9 here");
+    m_editor->GotoPos(2);
+    EXPECT_FALSE(m_editor->CopyAppend());
+    m_editor->CutAppend();
+    EXPECT_EQ(Text(), "keep \xC3\xA9t\xC3\xA9 here") << "no selection, nothing copied, nothing cut";
+    EXPECT_EQ(clipboard->text(), QStringLiteral("old "));
+
     m_editor->SetSel(5, 10);
     EXPECT_TRUE(m_editor->CopyAppend());
     EXPECT_EQ(clipboard->text(), QStringLiteral("old \u00E9t\u00E9"));
-    EXPECT_EQ(Text(), "keep \xC3\xA9t\xC3\xA9 here");
-
     m_editor->SetSel(0, 5);
     m_editor->CutAppend();
     EXPECT_EQ(clipboard->text(), QStringLiteral("old \u00E9t\u00E9keep "));
     EXPECT_EQ(Text(), "\xC3\xA9t\xC3\xA9 here");
-}
 
-TEST_F(ScintillaOperationsTest, CopyAppendWithoutSelectionChangesNothing)
-{
-    QClipboard* clipboard = QApplication::clipboard();
-    clipboard->setText(QStringLiteral("old"));
-    SetText("text");
-    m_editor->GotoPos(2);
-    EXPECT_FALSE(m_editor->CopyAppend());
-    m_editor->CutAppend();
-    EXPECT_EQ(clipboard->text(), QStringLiteral("old"));
-    EXPECT_EQ(Text(), "text");
-}
-
-TEST_F(ScintillaOperationsTest, CutAppendToAnEmptyClipboardKeepsTheCutText)
-{
-    QClipboard* clipboard = QApplication::clipboard();
     clipboard->clear();
-    SetText("abc");
     m_editor->SetSel(0, 2);
     m_editor->CutAppend();
-    EXPECT_EQ(clipboard->text(), QStringLiteral("ab"));
-    EXPECT_EQ(Text(), "c");
+    EXPECT_EQ(clipboard->text(), QStringLiteral("\u00E9"));
+    EXPECT_EQ(Text(), "t\xC3\xA9 here");
 }
 
-TEST_F(ScintillaOperationsTest, SearchSeedKeepsTheSelectionAndFallsBackToTheKeptOne)
+TEST_F(ScintillaOperationsTest, SearchSeedIsCutTo99BytesWithoutSplittingACharacter)
 {
     TestSupport::ClearSettings();
-    SetText("find me");
-    m_editor->GotoPos(0);
-    EXPECT_EQ(m_editor->GetSearchSeed(), QString());
-
-    m_editor->SetSel(0, 4);
-    EXPECT_EQ(m_editor->GetSearchSeed(), QStringLiteral("find"));
-    EXPECT_EQ(CRegistryStore().GetProfileString(QStringLiteral("FindReplace"), QStringLiteral("LastSelectedValue")),
-              QStringLiteral("find"));
-    m_editor->GotoPos(6);
-    EXPECT_EQ(m_editor->GetSearchSeed(), QStringLiteral("find"));
-}
-
-TEST_F(ScintillaOperationsTest, SearchSeedCutsLongSelectionsTo99Bytes)
-{
-    struct Case
-    {
-        int length;
-        int expected;
-    };
-    for (const Case c : {Case{100, 100}, Case{101, 99}, Case{500, 99}}) {
-        SetText(QByteArray(c.length, 'q'));
+    struct Case { QByteArray text; QString seed; };
+    for (const Case& c : {Case{QByteArray(100, 'q'), QString(100, u'q')}, Case{QByteArray(101, 'q'), QString(99, u'q')},
+                          Case{QByteArray(98, 'q') + "\xC3\xA9" + QByteArray(10, 'q'), QString(98, u'q')}}) {
+        SetText(c.text);
         m_editor->SelectAll();
-        EXPECT_EQ(m_editor->GetSearchSeed().size(), c.expected) << c.length;
+        EXPECT_EQ(m_editor->GetSearchSeed(), c.seed) << c.text.size();
     }
-    // A two-byte character across the cut is left out whole.
-    SetText(QByteArray(98, 'q') + "\xC3\xA9" + QByteArray(10, 'q'));
-    m_editor->SelectAll();
-    EXPECT_EQ(m_editor->GetSearchSeed(), QString(98, QLatin1Char('q')));
-}
-
-// Folding ------------------------------------------------------------------------------
-
-TEST_F(ScintillaOperationsTest, FoldingSetsMarkersAndMarginState)
-{
-    m_editor->SetFolding(true);
-    EXPECT_EQ(quint32(m_editor->SendScintilla(Sci::SCI_GETMARGINMASKN, 2UL)), quint32(Sci::SC_MASK_FOLDERS));
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETMARGINSENSITIVEN, 2UL), 1);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETPROPERTYINT, "fold", 0L), 1);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETPROPERTYINT, "fold.compact", 0L), 1);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_MARKERSYMBOLDEFINED, 31UL), long(Sci::SC_MARK_BOXMINUS));
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_MARKERSYMBOLDEFINED, 27UL), long(Sci::SC_MARK_TCORNER));
-
-    const long width = m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 2UL);
-    m_editor->SetFolding(false);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETMARGINMASKN, 2UL), 15);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETMARGINSENSITIVEN, 2UL), 0);
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETPROPERTYINT, "fold", 0L), 1) << "never set back";
-    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, 2UL), width);
-}
-
-TEST_F(ScintillaOperationsTest, EnsureRangeVisibleUnfoldsEveryLineBetween)
-{
-    SetText("a\nb\nc\nd\ne");
-    // Line 0 heads a block of lines 1 to 3.
-    const long base = Sci::SC_FOLDLEVELBASE;
-    m_editor->SendScintilla(Sci::SCI_SETFOLDLEVEL, 0UL, base | Sci::SC_FOLDLEVELHEADERFLAG);
-    for (unsigned long line = 1; line <= 3; ++line)
-        m_editor->SendScintilla(Sci::SCI_SETFOLDLEVEL, line, base + 1);
-    m_editor->SendScintilla(Sci::SCI_SETFOLDLEVEL, 4UL, base);
-    EXPECT_FALSE(m_editor->ToggleFold(0));
-    ASSERT_FALSE(m_editor->GetLineVisible(2));
-    m_editor->EnsureRangeVisible(m_editor->PositionFromLine(3), m_editor->PositionFromLine(1));
-    for (long line = 1; line <= 3; ++line)
-        EXPECT_TRUE(m_editor->GetLineVisible(line)) << line;
-    EXPECT_TRUE(m_editor->GetFoldExpanded(0));
+    m_editor->GotoPos(0);
+    EXPECT_EQ(m_editor->GetSearchSeed(), QString(98, u'q')) << "without a selection the last seed comes back";
 }
 
 } // namespace
