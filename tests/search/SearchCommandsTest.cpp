@@ -20,15 +20,17 @@
 
 namespace {
 
+CMainFrame* Frame() { return CMorvaneApp::MainFrame(); }
+
 // The search commands installed into the program's real main window.
 class SearchCommandsTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        App()->Shutdown();
+        CMorvaneApp::Instance()->Shutdown();
         TestSupport::ClearSettings();
-        ASSERT_TRUE(App()->InitInstance({}));
+        ASSERT_TRUE(CMorvaneApp::Instance()->InitInstance({}));
         // The start may open its empty document once idle: close until none is left.
         for (int i = 0; i < 5 && !Frame()->ChildFrames().isEmpty(); ++i) {
             Frame()->MdiArea()->closeAllSubWindows();
@@ -39,84 +41,55 @@ protected:
         m_commands = CSearchCommands::Install(Frame());
         ASSERT_NE(m_commands, nullptr);
     }
-    void TearDown() override { App()->Shutdown(); }
+    void TearDown() override { CMorvaneApp::Instance()->Shutdown(); }
 
-    static CMorvaneApp* App() { return CMorvaneApp::Instance(); }
-    static CMainFrame* Frame() { return CMorvaneApp::MainFrame(); }
-
-    CMFCScintilla* OpenText(const QByteArray& bytes)
-    {
-        const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("t.txt"));
-        TestSupport::WriteFile(path, bytes);
-        App()->GetOpenOptions() = OpenOptions::defaults();
-        App()->GetOpenOptions().mode = OpenOptions::Text;
-        if (!App()->RouteOpenFile(path))
-            return nullptr;
-        auto* frame = qobject_cast<CScrivelFrame*>(Frame()->ActiveChild());
-        return frame ? frame->GetView()->GetEditor() : nullptr;
-    }
-    static QComboBox* FindBox() { return Frame()->findChild<QComboBox*>(QStringLiteral("FindBox")); }
     static void Run(int id)
     {
         Frame()->OnCommand(id);
         QApplication::processEvents();
     }
-    static std::pair<long, long> Selection(const CMFCScintilla* editor)
-    {
-        return {editor->GetSelectionStart(), editor->GetSelectionEnd()};
-    }
 
     CSearchCommands* m_commands = nullptr;
 };
 
-TEST_F(SearchCommandsTest, InstallingTwiceKeepsOneObject)
+// The commands through the frame's own routing to a text view opened from a file: the
+// toolbar box, the dialogs they open, and the dialogs going with the window.
+TEST_F(SearchCommandsTest, CommandsReachTheActiveTextView)
 {
-    EXPECT_EQ(CSearchCommands::Install(Frame()), m_commands);
-    EXPECT_EQ(CSearchCommands::Of(Frame()), m_commands);
-    EXPECT_EQ(Frame()->findChildren<CSearchCommands*>().size(), 1);
-}
-
-TEST_F(SearchCommandsTest, FindNextAndPreviousUseTheToolbarBox)
-{
-    CMFCScintilla* editor = OpenText("abc ABC abc");
-    ASSERT_NE(editor, nullptr);
-    ASSERT_NE(FindBox(), nullptr);
-    editor->SetSel(0, 0);
-    FindBox()->setEditText(QStringLiteral("abc"));
-    TestSupport::ModalAnswerer answerer;
-    Run(Cmd::EditFindNext);
-    EXPECT_EQ(Selection(editor), std::make_pair(0L, 3L));
-    Run(Cmd::EditFindNext);
-    EXPECT_EQ(Selection(editor), std::make_pair(4L, 7L)) << "without regard to case";
-    Run(Cmd::EditFindPrevious);
-    EXPECT_EQ(Selection(editor), std::make_pair(0L, 3L));
-    Run(Cmd::EditFindPrevious);
-    EXPECT_EQ(answerer.Texts(), QStringList({QStringLiteral("The search text was not found")}));
-}
-
-TEST_F(SearchCommandsTest, FindNextWithoutDocumentHasNothingToDo)
-{
-    FindBox()->setEditText(QStringLiteral("abc"));
+    EXPECT_EQ(CSearchCommands::Install(Frame()), m_commands) << "installed once";
+    auto* box = Frame()->findChild<QComboBox*>(QStringLiteral("FindBox"));
+    ASSERT_NE(box, nullptr);
+    box->setEditText(QStringLiteral("abc"));
     TestSupport::ModalAnswerer answerer;
     Run(Cmd::EditFindNext);
     EXPECT_EQ(answerer.Texts(), QStringList({QStringLiteral("Find has nothing to do")}));
-}
 
-TEST_F(SearchCommandsTest, FindCommandOpensTheDialogAndClosingTheWindowDestroysIt)
-{
-    CMFCScintilla* editor = OpenText("hello world");
-    ASSERT_NE(editor, nullptr);
-    editor->SetSel(6, 11);
+    const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("t.txt"));
+    TestSupport::WriteFile(path, "abc ABC abc");
+    CMorvaneApp::Instance()->GetOpenOptions() = OpenOptions::defaults();
+    CMorvaneApp::Instance()->GetOpenOptions().mode = OpenOptions::Text;
+    ASSERT_TRUE(CMorvaneApp::Instance()->RouteOpenFile(path));
+    auto* frame = qobject_cast<CScrivelFrame*>(Frame()->ActiveChild());
+    ASSERT_NE(frame, nullptr);
+    CMFCScintilla* editor = frame->GetView()->GetEditor();
+    const auto selection = [editor] { return std::make_pair(editor->GetSelectionStart(), editor->GetSelectionEnd()); };
+    editor->SetSel(4, 7);
+    Run(Cmd::EditFindNext);
+    EXPECT_EQ(selection(), std::make_pair(8L, 11L));
+    Run(Cmd::EditFindNext);
+    EXPECT_EQ(selection(), std::make_pair(0L, 3L)) << "Find Next wraps";
+    Run(Cmd::EditFindPrevious);
+    EXPECT_EQ(selection(), std::make_pair(0L, 3L)) << "Find Previous stops at the top";
+    EXPECT_EQ(answerer.Texts().value(1), QStringLiteral("The search text was not found"));
+
+    editor->SetSel(4, 7);
     Run(Cmd::EditFind);
-    QPointer<CFindDialog> dialog = m_commands->FindDialog();
-    ASSERT_TRUE(dialog);
-    EXPECT_EQ(dialog->FindCombo()->currentText(), QStringLiteral("world"));
-
+    ASSERT_NE(m_commands->FindDialog(), nullptr);
+    EXPECT_EQ(m_commands->FindDialog()->FindCombo()->currentText(), QStringLiteral("ABC")) << "seeded";
     Run(Cmd::EditReplace);
     EXPECT_EQ(m_commands->FindDialog(), nullptr);
-    ASSERT_NE(m_commands->ReplaceDialog(), nullptr);
     QPointer<CReplaceDialog> replace = m_commands->ReplaceDialog();
-
+    ASSERT_TRUE(replace);
     Frame()->close();
     QApplication::processEvents();
     EXPECT_FALSE(replace);
