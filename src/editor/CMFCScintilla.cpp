@@ -1,5 +1,7 @@
 #include "CMFCScintilla.h"
 
+#include <QMouseEvent>
+
 #include "app/CRegistryStore.h"
 
 #include <QApplication>
@@ -486,7 +488,43 @@ void CMFCScintilla::SetTabWidth(int width)
 
 void CMFCScintilla::SetBlockSelect(bool on)
 {
+    m_blockSelect = on;
     SendScintilla(SCI_SETSELECTIONMODE, on ? SC_SEL_RECTANGLE : SC_SEL_STREAM);
+}
+
+namespace {
+
+// The same mouse event with the key held that makes the control drag a rectangle (this
+// build of the control takes Ctrl for it, leaving Alt to the window manager).
+QMouseEvent WithRectangleModifier(const QMouseEvent* event)
+{
+    return QMouseEvent(event->type(), event->position(), event->scenePosition(),
+                       event->globalPosition(), event->button(), event->buttons(),
+                       event->modifiers() | Qt::ControlModifier, event->pointingDevice());
+}
+
+} // namespace
+
+void CMFCScintilla::mousePressEvent(QMouseEvent* event)
+{
+    if (m_blockSelect && event->button() == Qt::LeftButton) {
+        QMouseEvent rectangular = WithRectangleModifier(event);
+        QsciScintillaBase::mousePressEvent(&rectangular);
+        event->setAccepted(rectangular.isAccepted());
+        return;
+    }
+    QsciScintillaBase::mousePressEvent(event);
+}
+
+void CMFCScintilla::mouseMoveEvent(QMouseEvent* event)
+{
+    if (m_blockSelect && (event->buttons() & Qt::LeftButton)) {
+        QMouseEvent rectangular = WithRectangleModifier(event);
+        QsciScintillaBase::mouseMoveEvent(&rectangular);
+        event->setAccepted(rectangular.isAccepted());
+        return;
+    }
+    QsciScintillaBase::mouseMoveEvent(event);
 }
 
 void CMFCScintilla::SetWordWrap(bool on)

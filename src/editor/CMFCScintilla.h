@@ -114,6 +114,7 @@ public:
     void SetFont(const QString& face, int size, bool bold, bool italic);
     void SetTabWidth(int width);
     void SetBlockSelect(bool on);
+    bool IsBlockSelect() const { return m_blockSelect; }
     void SetWordWrap(bool on);
     bool CanUndo() const;
     bool CanRedo() const;
@@ -204,4 +205,11 @@ Q_SIGNALS:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+
+private:
+    // The control forgets a selection mode at the next click or caret jump, so block
+    // selection is kept here and given to every mouse drag.
+    bool m_blockSelect = false;
 };
