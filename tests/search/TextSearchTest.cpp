@@ -1,6 +1,5 @@
 #include "TestSupport.h"
 
-#include "app/CRegistryStore.h"
 #include "editor/CMFCScintilla.h"
 #include "search/CTextSearch.h"
 
@@ -82,7 +81,6 @@ TEST_P(FindTextTest, FindsAndSelects)
 }
 
 const FindCase findCases[] = {
-    {"DownFromStart", "abc abc abc", 0, 0, "abc", false, false, false, false, false, 0, 0, 3},
     {"SelectedMatchNotFoundAgain", "abc abc abc", 0, 3, "abc", false, false, false, false, false, 4, 4, 7},
     {"DownMissWithoutWrapKeepsSelection", "abc abc abc", 8, 11, "abc", false, false, false, false, false, -1, 8, 11},
     {"DownMissWraps", "abc abc abc", 8, 11, "abc", false, false, false, false, true, 0, 0, 3},
@@ -93,7 +91,6 @@ const FindCase findCases[] = {
     {"EmptyTextFindsNothing", "abc", 0, 0, "", false, false, false, false, true, -1, 0, 0},
     {"MatchCase", "ABC abc", 0, 0, "abc", true, false, false, false, false, 4, 4, 7},
     {"WholeWord", "abcd xabc abc", 0, 0, "abc", false, true, false, false, false, 10, 10, 13},
-    {"RegExpOffMeansLiteral", "abc a.c", 0, 0, "a.c", false, false, false, false, false, 4, 4, 7},
     {"RegExpDigits", "a1 b22", 0, 0, "\\d\\d", false, false, true, false, false, 4, 4, 6},
     {"RegExpWordClass", "  foo_1 bar", 0, 0, "\\w+", false, false, true, false, false, 2, 2, 7},
     {"RegExpSpaceClass", "ab\tcd", 0, 0, "\\s", false, false, true, false, false, 2, 2, 3},
@@ -109,21 +106,8 @@ const FindCase findCases[] = {
 INSTANTIATE_TEST_SUITE_P(Cases, FindTextTest, ::testing::ValuesIn(findCases),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(TextSearchTest, RepeatedFindNextWrapsButFindPreviousStopsAtTheTop)
-{
-    SetText("one x two x three x");
-    CTextSearch search = Search();
-    std::vector<long> found;
-    for (int i = 0; i < 5; ++i)
-        found.push_back(search.FindText(QStringLiteral("x"), false, true));
-    for (int i = 0; i < 3; ++i)
-        found.push_back(search.FindText(QStringLiteral("x"), true, false));
-    EXPECT_EQ(found, (std::vector<long>{4, 10, 18, 4, 10, 4, -1, -1}));
-    EXPECT_EQ(Selection(), Range(4, 5));
-}
-
 // MarkAll toggles the bookmark of each match's line, once per match.
-TEST_F(TextSearchTest, MarkAllTogglesEachMatchLine)
+TEST_F(TextSearchTest, MarkAllTogglesEachMatchLineAndEnds)
 {
     // Line 1 has two matches and stays unmarked; line 4 doesn't match the case; line 5 was
     // marked and is unmarked.
@@ -138,10 +122,7 @@ TEST_F(TextSearchTest, MarkAllTogglesEachMatchLine)
     EXPECT_FALSE(Search().MarkAll(QStringLiteral("xyz")));
     EXPECT_FALSE(Search().MarkAll(QString()));
     EXPECT_EQ(MarkedLines(), (Lines{5}));
-}
 
-TEST_F(TextSearchTest, MarkAllEndsWhenMatchesShiftOrHaveNoLength)
-{
     // From the caret "b" is found at 1, from the top "ab" at 0: the first match never
     // comes round again, yet the loop must end.
     SetText("ab\n", 1);
@@ -221,6 +202,17 @@ TEST_F(TextSearchTest, ReplaceAllIsOneUndoStepAndKeepsBookmarks)
     EXPECT_FALSE(m_editor->CanUndo());
 }
 
+// Notifications are held back during the loop: the line number margin must still widen.
+TEST_F(TextSearchTest, ReplaceAllAddingLinesWidensTheLineNumbers)
+{
+    SetText(QByteArray(5000, ','));
+    m_editor->SetLineNumberMargin(true);
+    const long before = m_editor->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL);
+    EXPECT_EQ(Search().ReplaceAll(QStringLiteral(","), QStringLiteral(",\n\n\n"), false, false), 5000);
+    EXPECT_EQ(m_editor->GetLineCount(), 15001);
+    EXPECT_GT(m_editor->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL), before);
+}
+
 TEST_F(TextSearchTest, ReplaceAllOnReadOnlyTextChangesNothingAndEnds)
 {
     SetText("aaa");
@@ -231,24 +223,6 @@ TEST_F(TextSearchTest, ReplaceAllOnReadOnlyTextChangesNothingAndEnds)
     EXPECT_EQ(Text(), QByteArray("aaa"));
 }
 
-// The Replace button: the first press finds, each further press replaces and finds on,
-// wrapping round.
-TEST_F(TextSearchTest, ReplaceNextFindsFirstThenReplacesAndFinds)
-{
-    SetText("cat dog cat", 4);
-    CTextSearch search = Search();
-    const auto press = [&](long last) { return search.ReplaceNext(QStringLiteral("cat"), QStringLiteral("cow"), false, last); };
-    long last = press(-1);
-    EXPECT_EQ(last, 8);
-    EXPECT_EQ(Text(), QByteArray("cat dog cat")) << "the first press only finds";
-    last = press(last);
-    EXPECT_EQ(Text(), QByteArray("cat dog cow"));
-    EXPECT_EQ(last, 0) << "wrapped";
-    EXPECT_EQ(Selection(), Range(0, 3));
-    EXPECT_EQ(press(last), -1);
-    EXPECT_EQ(Text(), QByteArray("cow dog cow"));
-}
-
 TEST_F(TextSearchTest, SeedIsTheSelectionCutToWholeCharactersAndRemembered)
 {
     TestSupport::ClearSettings();
@@ -256,8 +230,6 @@ TEST_F(TextSearchTest, SeedIsTheSelectionCutToWholeCharactersAndRemembered)
     EXPECT_EQ(Search().GetSearchSeed(), QStringLiteral("beta"));
     SetText("alpha beta", 3);
     EXPECT_EQ(Search().GetSearchSeed(), QStringLiteral("beta")) << "no selection: the remembered one";
-    SetText(QByteArray(100, 'h'), 0, 100);
-    EXPECT_EQ(Search().GetSearchSeed().size(), 100);
     const QByteArray wide = QByteArray(98, 'w') + "\xc3\xa9" + "tail";
     SetText(wide, 0, wide.size());
     EXPECT_EQ(Search().GetSearchSeed(), QString(98, QLatin1Char('w'))) << "99 bytes, the split character left out";
