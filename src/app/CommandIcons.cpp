@@ -10,7 +10,7 @@
 
 namespace {
 
-struct IconSpec
+struct IconEntry
 {
     int id;
     const char* theme;        // freedesktop icon name
@@ -19,7 +19,7 @@ struct IconSpec
 };
 
 // clang-format off
-constexpr IconSpec kIcons[] = {
+constexpr IconEntry kIcons[] = {
     {Cmd::FileNew,            "document-new",          QStyle::SP_FileIcon,            "+"},
     {Cmd::FileOpen,           "document-open",         QStyle::SP_DialogOpenButton,    "O"},
     {Cmd::FileSave,           "document-save",         QStyle::SP_DialogSaveButton,    "S"},
@@ -86,15 +86,15 @@ QIcon DrawGlyph(const QString& glyph, const QStyle* style)
 
 QIcon CommandIcons::ForCommand(int commandId, const QStyle* style)
 {
-    for (const IconSpec& spec : kIcons) {
-        if (spec.id != commandId)
+    for (const IconEntry& entry : kIcons) {
+        if (entry.id != commandId)
             continue;
-        const QString theme = QString::fromLatin1(spec.theme);
+        const QString theme = QString::fromLatin1(entry.theme);
         if (QIcon::hasThemeIcon(theme))
             return QIcon::fromTheme(theme);
-        if (spec.standard >= 0 && style)
-            return style->standardIcon(static_cast<QStyle::StandardPixmap>(spec.standard));
-        return DrawGlyph(QString::fromUtf8(spec.glyph), style);
+        if (entry.standard >= 0 && style)
+            return style->standardIcon(static_cast<QStyle::StandardPixmap>(entry.standard));
+        return DrawGlyph(QString::fromUtf8(entry.glyph), style);
     }
     return {};
 }

@@ -25,17 +25,6 @@ QChar Printable(uchar byte)
     return (byte >= 0x20 && byte < 0x7F) ? QChar(char16_t(byte)) : QChar(u'.');
 }
 
-int HexValue(QChar c)
-{
-    const char16_t u = c.unicode();
-    if (u >= '0' && u <= '9')
-        return u - '0';
-    if (u >= 'a' && u <= 'f')
-        return u - 'a' + 10;
-    if (u >= 'A' && u <= 'F')
-        return u - 'A' + 10;
-    return -1;
-}
 
 } // namespace
 
@@ -527,7 +516,7 @@ void CHexEditView::keyPressEvent(QKeyEvent* event)
     const QString text = event->text();
     if (!ctrl && !(event->modifiers() & Qt::AltModifier) && !text.isEmpty() && text[0].isPrint()) {
         if (m_column == HexColumn) {
-            const int value = HexValue(text[0]);
+            const int value = HexText::DigitValue(text[0]);
             if (value >= 0)
                 TypeHexDigit(value);
             else

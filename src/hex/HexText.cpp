@@ -10,17 +10,6 @@ QString Tr(const char* text)
     return QCoreApplication::translate("HexText", text);
 }
 
-int DigitValue(QChar c)
-{
-    const char16_t u = c.unicode();
-    if (u >= '0' && u <= '9')
-        return u - '0';
-    if (u >= 'a' && u <= 'f')
-        return u - 'a' + 10;
-    if (u >= 'A' && u <= 'F')
-        return u - 'A' + 10;
-    return -1;
-}
 
 bool IsSeparator(QChar c)
 {
@@ -108,3 +97,15 @@ bool ParseOffset(const QString& text, bool hex, qint64 current, qint64 size, qin
 }
 
 } // namespace HexText
+
+int HexText::DigitValue(QChar c)
+{
+    const char16_t u = c.unicode();
+    if (u >= '0' && u <= '9')
+        return u - '0';
+    if (u >= 'a' && u <= 'f')
+        return u - 'a' + 10;
+    if (u >= 'A' && u <= 'F')
+        return u - 'A' + 10;
+    return -1;
+}

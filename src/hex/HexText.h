@@ -6,6 +6,9 @@
 // Conversions between bytes and the text the user types or copies.
 namespace HexText {
 
+// The value of one hexadecimal digit, or -1 when `c` is none.
+int DigitValue(QChar c);
+
 // "4D 5A 90": two upper-case digits per byte, separated by spaces.
 QString ToHex(const QByteArray& bytes);
 
