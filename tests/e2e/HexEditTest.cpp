@@ -80,12 +80,6 @@ TEST_F(HexEditing, BinaryFileFromTheCommandLineOpensInHexAndKeyboardEditsAreSave
     EXPECT_TRUE(Messages().isEmpty()) << Messages().join(QLatin1Char('|')).toStdString();
     EXPECT_FALSE(Frame()->ActiveChild()->GetDocument()->IsModified());
     EXPECT_TRUE(SameBytes(TestSupport::ReadFile(path), expected));
-
-    // Editing goes on over the saved file: Ctrl+Z undoes the last letter, saved again.
-    QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
-    PressSave();
-    expected.chop(1);
-    EXPECT_TRUE(SameBytes(TestSupport::ReadFile(path), expected));
 }
 
 TEST_F(HexEditing, SmallTextFileAskedForAsHexIsEditedByteForByte)
@@ -129,6 +123,7 @@ TEST_F(HexEditing, FourGigabyteFileOpensWithoutReadingItIntoMemory)
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         // Sparse: the size costs no disk, the bytes read as zeros.
+        file.write(BinaryBytes(4096));
         ASSERT_TRUE(file.resize(qint64(4) << 30));
         file.seek((qint64(4) << 30) - 4);
         file.write("TAIL");
@@ -138,7 +133,7 @@ TEST_F(HexEditing, FourGigabyteFileOpensWithoutReadingItIntoMemory)
     const qint64 before = ResidentKb();
     ASSERT_GT(before, 0);
     CHexEditView* view = OpenHex(path, false);
-    ASSERT_NE(view, nullptr) << "zeros route to the hex view";
+    ASSERT_NE(view, nullptr) << "binary bytes route to the hex view";
     auto* document = qobject_cast<CHexDocument*>(Frame()->ActiveChild()->GetDocument());
     EXPECT_EQ(document->Size(), qint64(4) << 30);
     QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);
@@ -147,6 +142,15 @@ TEST_F(HexEditing, FourGigabyteFileOpensWithoutReadingItIntoMemory)
     Settle();
     const qint64 after = ResidentKb();
     EXPECT_LT(after - before, 64 * 1024) << "resident memory grew by " << (after - before) << " kB";
+}
+
+TEST_F(HexEditing, FileOfNothingButZerosRoutesToHex)
+{
+    // Zeros are no text in any encoding; read as UTF-16 a large one would fill memory.
+    const QString path = MakeFile(QStringLiteral("zeros.img"), QByteArray(64 * 1024, '\0'));
+    ASSERT_TRUE(App()->InitInstance({}));
+    EXPECT_NE(OpenHex(path, false), nullptr);
+    EXPECT_EQ(App()->LastRouteMode(), 1);
 }
 
 } // namespace

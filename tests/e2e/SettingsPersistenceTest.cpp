@@ -38,7 +38,13 @@ bool Wraps(CMFCScintilla* e)
 }
 bool NumbersShown(CMFCScintilla* e)
 {
-    return e->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 0UL) > 0;
+    // Whichever margin shows numbers, it must have a width.
+    for (unsigned long margin = 0; margin < 5; ++margin) {
+        if (e->SendScintilla(QsciScintillaBase::SCI_GETMARGINTYPEN, margin) == QsciScintillaBase::SC_MARGIN_NUMBER
+            && e->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, margin) > 0)
+            return true;
+    }
+    return false;
 }
 bool WhitespaceShown(CMFCScintilla* e)
 {
