@@ -3,6 +3,7 @@
 #include "TextEncoding.h"
 
 #include <QFile>
+#include <algorithm>
 #include <cstring>
 
 void TextFileDetector::DetectMark(const unsigned char* data, std::size_t length, int& code,
@@ -94,7 +95,10 @@ void TextFileDetector::ExamineBuffer(const char* data, std::size_t length)
         length = SampleSize;
     DetectMark(bytes, length, m_encoding, m_bomLength);
 
-    if (m_encoding == TextEncoding::Ansi && length >= 2) {
+    // Nothing but zero bytes is no text in any encoding: a disk image, a sparse file.
+    const bool allZero = length > 0
+        && std::find_if(bytes, bytes + length, [](unsigned char b) { return b != 0; }) == bytes + length;
+    if (m_encoding == TextEncoding::Ansi && length >= 2 && !allZero) {
         // 16-bit text without a mark: every high (or low) byte zero.
         const std::size_t half = length / 2;
         std::size_t oddZeros = 0;

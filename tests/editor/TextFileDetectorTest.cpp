@@ -96,6 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Utf8Walk, DetectTest, ::testing::Values(
 INSTANTIATE_TEST_SUITE_P(Binary, DetectTest, ::testing::Values(
     DetectCase{"zero_in_ansi", QByteArray("abc\0defghijk", 12), Ansi, 0, true},
     DetectCase{"zero_behind_mark_is_text", QByteArray("\xEF\xBB\xBF" "a\0bc", 6), Utf8, 3, false},
+    DetectCase{"only_zeros", QByteArray(64, '\0'), Ansi, 0, true},
     DetectCase{"elf_header", B({0x7F, 'E', 'L', 'F', 2, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0}), Ansi, 0, true}));
 
 TEST(DetectFile, ZeroByteAfterTheSampleGoesUnnoticed)
