@@ -1,3 +1,4 @@
+#include "app/AppPaths.h"
 #include "E2eFixture.h"
 
 #include "syntax/CSyntaxParserList.h"
@@ -104,7 +105,7 @@ TEST_F(E2eFixture, EveryShippedDefinitionIsLoadedAndHasASample)
             missing << parser.menuName;
     }
     EXPECT_TRUE(missing.isEmpty()) << missing.join(QStringLiteral(", ")).toStdString();
-    const QDir shipped(qEnvironmentVariable("MORVANE_DATA_DIR") + QStringLiteral("/syntax"));
+    const QDir shipped(AppPaths::ShippedDataFolder() + QStringLiteral("/syntax"));
     EXPECT_EQ(parsers.GetCount(), int(shipped.entryList({QStringLiteral("*.config")}, QDir::Files).size()))
         << "every file we ship is loaded";
 }
