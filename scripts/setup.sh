@@ -6,7 +6,7 @@ set -euo pipefail
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${MORVANE_BUILD_DIR:-$here/build}"
 
-packages=(build-essential cmake ninja-build pkg-config
+packages=(build-essential cmake ninja-build pkg-config ccache
           qt6-base-dev qt6-base-dev-tools libgl-dev libqscintilla2-qt6-dev
           libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev)
 
@@ -24,5 +24,8 @@ fi
 
 generator=()
 if [ ! -f "$build/CMakeCache.txt" ] && command -v ninja >/dev/null; then generator=(-G Ninja); fi
-cmake -S "$here" -B "$build" "${generator[@]}" -DCMAKE_BUILD_TYPE="${MORVANE_BUILD_TYPE:-RelWithDebInfo}" >/dev/null
+# A compiler cache makes rebuilds after a branch switch or in a second clone quick.
+launcher=()
+if command -v ccache >/dev/null; then launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache); fi
+cmake -S "$here" -B "$build" "${generator[@]}" "${launcher[@]}" -DCMAKE_BUILD_TYPE="${MORVANE_BUILD_TYPE:-RelWithDebInfo}" >/dev/null
 cmake --build "$build" --parallel "$(nproc)" "$@"

@@ -1,5 +1,5 @@
 // Prints how long the syntax definitions take to load, copy, apply and colour with.
-#include "app/ViewSettings.h"
+#include "settings/ViewSettings.h"
 #include "syntax/CSyntaxParserList.h"
 #include "syntax/SyntaxApplier.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CChildFrame.h"
-#include "IStatusSink.h"
-#include "MainFrameSettings.h"
+#include "framework/CChildFrame.h"
+#include "framework/IStatusSink.h"
+#include "settings/MainFrameSettings.h"
 #include "syntax/CSyntaxParserList.h"
 
 #include <QHash>

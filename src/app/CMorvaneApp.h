@@ -1,9 +1,9 @@
 #pragma once
 
 #include "CMainFrame.h"
-#include "NavigationHistory.h"
-#include "OpenOptions.h"
-#include "RecentFileList.h"
+#include "settings/NavigationHistory.h"
+#include "framework/OpenOptions.h"
+#include "settings/RecentFileList.h"
 
 #include <QApplication>
 #include <QPointer>

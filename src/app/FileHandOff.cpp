@@ -1,6 +1,6 @@
 #include "FileHandOff.h"
 
-#include "CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QLocalServer>
 #include <QLocalSocket>

@@ -1,7 +1,7 @@
 #include "CFileDialogEx.h"
 
 #include "TextEncoding.h"
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QCheckBox>
 #include <QComboBox>

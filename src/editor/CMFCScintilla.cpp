@@ -2,7 +2,7 @@
 
 #include <QMouseEvent>
 
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QApplication>
 #include <QClipboard>

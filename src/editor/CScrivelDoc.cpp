@@ -6,10 +6,10 @@
 #include "CScrivelView.h"
 #include "TextLoader.h"
 #include "TextSaver.h"
-#include "app/CDocTemplate.h"
+#include "framework/CDocTemplate.h"
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
-#include "app/OpenOptions.h"
+#include "framework/OpenOptions.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CDocument.h"
+#include "framework/CDocument.h"
 #include "TextEncoding.h"
 
 class CMFCScintilla;

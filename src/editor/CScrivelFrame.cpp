@@ -2,8 +2,8 @@
 
 #include "CScrivelDoc.h"
 #include "CScrivelView.h"
-#include "app/CDocTemplate.h"
-#include "app/CommandIds.h"
+#include "framework/CDocTemplate.h"
+#include "framework/CommandIds.h"
 #include "syntax/CSyntaxParserList.h"
 #include "syntax/CViewAsManagerDialog.h"
 #include "syntax/ViewAsMenu.h"

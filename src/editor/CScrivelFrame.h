@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CChildFrame.h"
+#include "framework/CChildFrame.h"
 #include "syntax/CSyntaxParser.h"
 
 class CScrivelDoc;

@@ -3,10 +3,10 @@
 #include "CMFCScintilla.h"
 #include "CScrivelDoc.h"
 #include "CScrivelFrame.h"
-#include "app/CChildFrame.h"
+#include "framework/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "search/CTextSearch.h"
 #include "syntax/SyntaxApplier.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ViewSettings.h"
+#include "settings/ViewSettings.h"
 
 #include <QList>
 #include <QPointer>

@@ -4,7 +4,7 @@
 #include "EncodingReader.h"
 #include "TextEncoding.h"
 #include "TextFile.h"
-#include "app/IStatusSink.h"
+#include "framework/IStatusSink.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
 #include "CHexDocument.h"
 
-#include "app/CDocTemplate.h"
-#include "app/IStatusSink.h"
-#include "app/OpenOptions.h"
+#include "framework/CDocTemplate.h"
+#include "framework/IStatusSink.h"
+#include "framework/OpenOptions.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "CHexFindDialog.h"
 
 #include "HexText.h"
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

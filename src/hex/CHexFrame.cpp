@@ -5,7 +5,7 @@
 #include "CHexGotoDialog.h"
 #include "CHexValuesPanel.h"
 #include "HexText.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 
 #include <QApplication>
 #include <QLineEdit>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/CChildFrame.h"
+#include "framework/CChildFrame.h"
 #include "hex/CHexFindDialog.h"
 
 #include <QMessageBox>

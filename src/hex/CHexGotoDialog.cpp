@@ -1,7 +1,7 @@
 #include "CHexGotoDialog.h"
 
 #include "HexText.h"
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>

@@ -2,7 +2,7 @@
 
 #include "CHexDocument.h"
 #include "CHexFrame.h"
-#include "app/CDocTemplate.h"
+#include "framework/CDocTemplate.h"
 
 CDocTemplate* CreateHexTemplate(QObject* parent)
 {

@@ -4,7 +4,7 @@
 #include "CFindInFilesRunner.h"
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"

@@ -2,7 +2,7 @@
 
 #include "CHistoryComboBox.h"
 #include "SearchQuery.h"
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>

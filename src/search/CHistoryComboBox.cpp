@@ -1,6 +1,6 @@
 #include "CHistoryComboBox.h"
 
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QLineEdit>
 #include <QSignalBlocker>

@@ -5,7 +5,7 @@
 #include "FindReplaceSettings.h"
 #include "SearchDialogText.h"
 
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

@@ -6,7 +6,7 @@
 #include "CTextSearch.h"
 
 #include "app/CMainFrame.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"

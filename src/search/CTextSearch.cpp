@@ -1,6 +1,6 @@
 #include "CTextSearch.h"
 
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 #include "editor/CMFCScintilla.h"
 
 #include "ExpressionSearch.h"

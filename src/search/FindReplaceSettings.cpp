@@ -1,6 +1,6 @@
 #include "FindReplaceSettings.h"
 
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QByteArray>
 #include <QString>

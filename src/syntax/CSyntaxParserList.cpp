@@ -1,7 +1,7 @@
 #include "CSyntaxParserList.h"
 
-#include "app/AppPaths.h"
-#include "app/CRegistryStore.h"
+#include "settings/AppPaths.h"
+#include "settings/CRegistryStore.h"
 
 #include <QDir>
 

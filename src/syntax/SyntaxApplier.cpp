@@ -2,7 +2,7 @@
 
 #include "CSyntaxParser.h"
 #include "CSyntaxParserList.h"
-#include "app/ViewSettings.h"
+#include "settings/ViewSettings.h"
 
 #include <Qsci/qsciscintillabase.h>
 

@@ -1,7 +1,7 @@
 #include "ViewAsMenu.h"
 
 #include "CSyntaxParserList.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 
 #include <QAction>
 #include <QCoreApplication>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/CChildFrame.h"
+#include "framework/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"

@@ -1,6 +1,6 @@
-#include "app/AppPaths.h"
-#include "app/CRegistryStore.h"
-#include "app/MainFrameSettings.h"
+#include "settings/AppPaths.h"
+#include "settings/CRegistryStore.h"
+#include "settings/MainFrameSettings.h"
 #include "TestSupport.h"
 
 #include <QSettings>

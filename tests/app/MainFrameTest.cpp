@@ -1,7 +1,7 @@
 #include "MainFrameFixture.h"
 
-#include "app/CRegistryStore.h"
-#include "app/MainFrameSettings.h"
+#include "settings/CRegistryStore.h"
+#include "settings/MainFrameSettings.h"
 
 #include <QClipboard>
 #include <QDialog>

@@ -1,4 +1,4 @@
-#include "app/NavigationHistory.h"
+#include "settings/NavigationHistory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 #include "TestSupport.h"
 
 #include <QFile>

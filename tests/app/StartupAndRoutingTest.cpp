@@ -1,7 +1,7 @@
 #include "MainFrameFixture.h"
 
-#include "app/CDocTemplate.h"
-#include "app/CRegistryStore.h"
+#include "framework/CDocTemplate.h"
+#include "settings/CRegistryStore.h"
 #include "app/FileHandOff.h"
 #include "hex/CHexDocument.h"
 

@@ -1,6 +1,6 @@
 #include "MainFrameFixture.h"
 
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QClipboard>
 #include <QMenu>

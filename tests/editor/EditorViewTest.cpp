@@ -1,8 +1,8 @@
 // The editor view's commands, notifications and shared views, through real documents,
 // frames and controls.
-#include "app/CDocTemplate.h"
-#include "app/CommandIds.h"
-#include "app/OpenOptions.h"
+#include "framework/CDocTemplate.h"
+#include "framework/CommandIds.h"
+#include "framework/OpenOptions.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"

@@ -1,5 +1,5 @@
-#include "app/CDocTemplate.h"
-#include "app/OpenOptions.h"
+#include "framework/CDocTemplate.h"
+#include "framework/OpenOptions.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"

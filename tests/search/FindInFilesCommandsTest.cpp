@@ -1,6 +1,6 @@
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "search/CFindInFilesCommands.h"

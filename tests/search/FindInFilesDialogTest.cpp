@@ -5,7 +5,7 @@
 #include "tools/COutputBar.h"
 
 #include "TestSupport.h"
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QCheckBox>
 #include <QDir>

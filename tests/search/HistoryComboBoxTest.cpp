@@ -1,7 +1,7 @@
 #include "search/CHistoryComboBox.h"
 
 #include "TestSupport.h"
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <gtest/gtest.h>
 

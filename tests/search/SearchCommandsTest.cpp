@@ -2,7 +2,7 @@
 
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"

@@ -1,6 +1,6 @@
 #include "TestSupport.h"
 
-#include "app/CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 #include "editor/CMFCScintilla.h"
 #include "search/CHistoryComboBox.h"
 #include "search/CSearchCommands.h"

@@ -1,5 +1,5 @@
 #include "SyntaxTestFiles.h"
-#include "app/ViewSettings.h"
+#include "settings/ViewSettings.h"
 #include "syntax/CSyntaxParserList.h"
 #include "syntax/SyntaxApplier.h"
 

@@ -1,4 +1,4 @@
-#include "app/ViewSettings.h"
+#include "settings/ViewSettings.h"
 #include "syntax/CSyntaxParser.h"
 #include "syntax/SyntaxApplier.h"
 

@@ -1,7 +1,7 @@
 #include "SyntaxTestFiles.h"
 #include "TestSupport.h"
-#include "app/AppPaths.h"
-#include "app/CRegistryStore.h"
+#include "settings/AppPaths.h"
+#include "settings/CRegistryStore.h"
 #include "syntax/CSyntaxParserList.h"
 
 #include <QDir>

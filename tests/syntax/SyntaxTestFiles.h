@@ -1,7 +1,7 @@
 #pragma once
 
 #include "TestSupport.h"
-#include "app/AppPaths.h"
+#include "settings/AppPaths.h"
 #include "syntax/CSyntaxParser.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "app/CommandIds.h"
+#include "framework/CommandIds.h"
 #include "syntax/CViewAsManagerDialog.h"
 #include "syntax/ViewAsMenu.h"
 

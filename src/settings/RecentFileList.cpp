@@ -1,6 +1,6 @@
-#include "RecentFileList.h"
+#include "settings/RecentFileList.h"
 
-#include "CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "CRegistryStore.h"
+#include "settings/CRegistryStore.h"
 
 #include <QSettings>
 

@@ -1,7 +1,7 @@
-#include "CDocTemplate.h"
+#include "framework/CDocTemplate.h"
 
-#include "CChildFrame.h"
-#include "CDocument.h"
+#include "framework/CChildFrame.h"
+#include "framework/CDocument.h"
 
 #include <QMdiArea>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ViewSettings.h"
+#include "settings/ViewSettings.h"
 
 #include <QString>
 

@@ -3,7 +3,7 @@
 #include <QMdiSubWindow>
 #include <QPointer>
 
-#include "CDocument.h"
+#include "framework/CDocument.h"
 
 // The state a command shows in menus and toolbars, filled by its update handler.
 struct CCmdUI

@@ -1,6 +1,6 @@
-#include "CDocument.h"
+#include "framework/CDocument.h"
 
-#include "CChildFrame.h"
+#include "framework/CChildFrame.h"
 
 #include <QApplication>
 #include <QFileInfo>

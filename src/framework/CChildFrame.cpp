@@ -1,6 +1,6 @@
-#include "CChildFrame.h"
+#include "framework/CChildFrame.h"
 
-#include "CDocument.h"
+#include "framework/CDocument.h"
 
 #include <QCloseEvent>
 

@@ -1,7 +1,7 @@
-#include "MainFrameSettings.h"
+#include "settings/MainFrameSettings.h"
 
-#include "AppPaths.h"
-#include "CRegistryStore.h"
+#include "settings/AppPaths.h"
+#include "settings/CRegistryStore.h"
 
 #include <QLocale>
 

@@ -1,4 +1,4 @@
-#include "NavigationHistory.h"
+#include "settings/NavigationHistory.h"
 
 void NavigationHistory::Add(const void* view, long position)
 {

@@ -1,0 +1,205 @@
+#include "CCommandRegistry.h"
+
+#include "settings/CRegistryStore.h"
+
+#include <QAction>
+#include <QTimer>
+#include <QWidget>
+
+namespace {
+const QString kShortcutsSection = QStringLiteral("Shortcuts");
+}
+
+CCommandRegistry::CCommandRegistry(QWidget* actionParent)
+    : QObject(actionParent)
+    , m_actionParent(actionParent)
+{
+}
+
+CCommandRegistry::~CCommandRegistry() = default;
+
+QAction* CCommandRegistry::Register(const CommandSpec& spec)
+{
+    if (spec.id == 0 || m_commands.contains(spec.id)) {
+        qWarning("Command %d is registered twice", spec.id);
+        return nullptr;
+    }
+    auto* action = new QAction(spec.text, m_actionParent);
+    action->setData(spec.id);
+    action->setCheckable(spec.checkable);
+    if (!spec.toolTip.isEmpty())
+        action->setToolTip(spec.toolTip);
+    QIcon icon = spec.icon;
+    if (icon.isNull() && !spec.iconName.isEmpty())
+        icon = QIcon::fromTheme(spec.iconName);
+    if (!icon.isNull())
+        action->setIcon(icon);
+    action->setShortcut(spec.shortcut);
+    // Shortcuts must work wherever focus is inside the window, so the action lives on it.
+    if (m_actionParent)
+        m_actionParent->addAction(action);
+    const int id = spec.id;
+    connect(action, &QAction::triggered, this, [this, id] { Execute(id); });
+    m_commands.insert(id, Entry{spec, action});
+    m_order << id;
+    Q_EMIT commandRegistered(id);
+    RequestUpdate();
+    return action;
+}
+
+void CCommandRegistry::Unregister(int id)
+{
+    const auto it = m_commands.find(id);
+    if (it == m_commands.end())
+        return;
+    delete it->action.data();
+    m_commands.erase(it);
+    m_order.removeAll(id);
+    Q_EMIT commandUnregistered(id);
+}
+
+QAction* CCommandRegistry::Action(int id) const
+{
+    const auto it = m_commands.constFind(id);
+    return it == m_commands.cend() ? nullptr : it->action.data();
+}
+
+const CommandSpec* CCommandRegistry::Spec(int id) const
+{
+    const auto it = m_commands.constFind(id);
+    return it == m_commands.cend() ? nullptr : &it->spec;
+}
+
+QString CCommandRegistry::PlainText(int id) const
+{
+    const CommandSpec* spec = Spec(id);
+    if (!spec)
+        return {};
+    QString text = spec->text.section(QLatin1Char('\t'), 0, 0);
+    // "&&" is a literal ampersand; a single one marks the mnemonic.
+    text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
+    text.remove(QLatin1Char('&'));
+    text.replace(QStringLiteral("\x01"), QStringLiteral("&"));
+    return text;
+}
+
+QKeySequence CCommandRegistry::DefaultShortcut(int id) const
+{
+    const CommandSpec* spec = Spec(id);
+    return spec ? spec->shortcut : QKeySequence();
+}
+
+QKeySequence CCommandRegistry::Shortcut(int id) const
+{
+    const QAction* action = Action(id);
+    return action ? action->shortcut() : QKeySequence();
+}
+
+void CCommandRegistry::SetShortcut(int id, const QKeySequence& shortcut)
+{
+    QAction* action = Action(id);
+    if (!action || action->shortcut() == shortcut)
+        return;
+    action->setShortcut(shortcut);
+    Q_EMIT shortcutChanged(id);
+}
+
+void CCommandRegistry::ResetShortcut(int id)
+{
+    SetShortcut(id, DefaultShortcut(id));
+}
+
+int CCommandRegistry::CommandForShortcut(const QKeySequence& shortcut) const
+{
+    if (shortcut.isEmpty())
+        return 0;
+    for (const int id : m_order) {
+        if (const QAction* action = Action(id); action && action->shortcut() == shortcut)
+            return id;
+    }
+    return 0;
+}
+
+void CCommandRegistry::LoadShortcuts()
+{
+    CRegistryStore store;
+    for (const int id : std::as_const(m_order)) {
+        const QString key = QString::number(id);
+        if (!store.HasValue(kShortcutsSection, key))
+            continue;
+        SetShortcut(id, QKeySequence::fromString(store.GetProfileString(kShortcutsSection, key),
+                                                 QKeySequence::PortableText));
+    }
+}
+
+void CCommandRegistry::SaveShortcuts() const
+{
+    QList<QPair<QString, QVariant>> values;
+    for (const int id : m_order) {
+        const QKeySequence current = Shortcut(id);
+        if (current != DefaultShortcut(id))
+            values.append({QString::number(id), current.toString(QKeySequence::PortableText)});
+    }
+    CRegistryStore().ReplaceSection(kShortcutsSection, values);
+}
+
+void CCommandRegistry::SetActiveChildProvider(std::function<CChildFrame*()> provider)
+{
+    m_activeChild = std::move(provider);
+}
+
+void CCommandRegistry::Execute(int id)
+{
+    const auto it = m_commands.constFind(id);
+    if (it == m_commands.cend())
+        return;
+    CChildFrame* child = m_activeChild ? m_activeChild() : nullptr;
+    if (!(child && child->OnCmdMsg(id))) {
+        // Copy: the handler may unregister its own command.
+        if (const auto run = it->spec.run)
+            run();
+    }
+    Q_EMIT executed(id);
+    RequestUpdate();
+}
+
+CCmdUI CCommandRegistry::State(int id) const
+{
+    CCmdUI ui;
+    const auto it = m_commands.constFind(id);
+    if (it == m_commands.cend()) {
+        ui.enabled = false;
+        return ui;
+    }
+    if (CChildFrame* child = m_activeChild ? m_activeChild() : nullptr)
+        child->OnUpdateCmdUI(id, ui);
+    if (!ui.handled) {
+        if (it->spec.update)
+            it->spec.update(ui);
+        else if (!it->spec.run)
+            ui.enabled = false; // nobody carries it out now
+    }
+    return ui;
+}
+
+void CCommandRegistry::UpdateAll()
+{
+    m_updatePending = false;
+    for (const int id : std::as_const(m_order)) {
+        QAction* action = Action(id);
+        if (!action)
+            continue;
+        const CCmdUI ui = State(id);
+        action->setEnabled(ui.enabled);
+        if (action->isCheckable())
+            action->setChecked(ui.checked);
+    }
+}
+
+void CCommandRegistry::RequestUpdate()
+{
+    if (m_updatePending)
+        return;
+    m_updatePending = true;
+    QTimer::singleShot(0, this, &CCommandRegistry::UpdateAll);
+}
