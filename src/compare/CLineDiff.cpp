@@ -9,11 +9,6 @@ namespace {
 // Lines that occur more often than this on the left are too common to anchor a range.
 constexpr int kMaxChain = 64;
 
-struct Range
-{
-    int a0, a1, b0, b1;
-};
-
 } // namespace
 
 CLineDiff::CLineDiff(const std::vector<int>& left, const std::vector<int>& right, int distinctCount)
@@ -34,14 +29,20 @@ bool CLineDiff::Run()
     m_done = m_reported = 0;
     m_cancelled = false;
 
-    if (m_method == Method::Histogram && m_distinct > 0) {
+    if (m_method != Method::Myers && m_distinct > 0) {
         m_count.assign(std::size_t(m_distinct), 0);
         m_head.assign(std::size_t(m_distinct), -1);
         m_next.assign(std::size_t(n), -1);
-        Histogram(0, n, 0, m);
+        if (m_method == Method::Patience) {
+            m_countB.assign(std::size_t(m_distinct), 0);
+            m_placeB.assign(std::size_t(m_distinct), -1);
+        }
+        Anchored(0, n, 0, m);
         m_count = {};
         m_head = {};
         m_next = {};
+        m_countB = {};
+        m_placeB = {};
     } else {
         Myers(0, n, 0, m);
     }
@@ -76,7 +77,7 @@ void CLineDiff::Settled(long long lines)
     }
 }
 
-void CLineDiff::Histogram(int a0, int a1, int b0, int b1)
+void CLineDiff::Anchored(int a0, int a1, int b0, int b1)
 {
     const std::vector<int>& A = m_a;
     const std::vector<int>& B = m_b;
@@ -95,7 +96,83 @@ void CLineDiff::Histogram(int a0, int a1, int b0, int b1)
             Mark(1, r.b0, r.b1);
             continue;
         }
+        if (m_method == Method::Patience && PatienceStep(r, stack))
+            continue;
+        HistogramStep(r, stack);
+    }
+}
 
+bool CLineDiff::PatienceStep(const Range& r, std::vector<Range>& stack)
+{
+    const std::vector<int>& A = m_a;
+    const std::vector<int>& B = m_b;
+    for (int i = r.a0; i < r.a1; ++i) {
+        const int id = A[i];
+        if (m_count[id] == 0 && m_countB[id] == 0)
+            m_touched.push_back(id);
+        ++m_count[id];
+        m_head[id] = i;
+    }
+    for (int j = r.b0; j < r.b1; ++j) {
+        const int id = B[j];
+        if (m_count[id] == 0 && m_countB[id] == 0)
+            m_touched.push_back(id);
+        ++m_countB[id];
+        m_placeB[id] = j;
+    }
+    // Lines once on each side, in right-side order, with their left place.
+    std::vector<std::pair<int, int>> unique; // (left, right)
+    for (int j = r.b0; j < r.b1; ++j) {
+        const int id = B[j];
+        if (m_count[id] == 1 && m_countB[id] == 1)
+            unique.emplace_back(m_head[id], j);
+    }
+    for (const int id : m_touched) {
+        m_count[id] = 0;
+        m_countB[id] = 0;
+        m_head[id] = -1;
+        m_placeB[id] = -1;
+    }
+    m_touched.clear();
+    if (unique.empty())
+        return false;
+
+    // The longest run increasing on the left too (patience sorting): tails[k] is the
+    // pair ending the best run of length k + 1 found so far.
+    std::vector<int> tails;
+    std::vector<int> previous(unique.size(), -1);
+    for (int k = 0; k < int(unique.size()); ++k) {
+        const int left = unique[std::size_t(k)].first;
+        const auto it = std::lower_bound(tails.begin(), tails.end(), left,
+                                         [&unique](int index, int value) { return unique[std::size_t(index)].first < value; });
+        if (it != tails.begin())
+            previous[std::size_t(k)] = *(it - 1);
+        if (it == tails.end())
+            tails.push_back(k);
+        else
+            *it = k;
+    }
+    std::vector<std::pair<int, int>> anchors;
+    for (int k = tails.back(); k >= 0; k = previous[std::size_t(k)])
+        anchors.push_back(unique[std::size_t(k)]);
+    // `anchors` runs from the last to the first: pushing the gaps in this order leaves
+    // the first gap on top of the stack.
+    int a1 = r.a1, b1 = r.b1;
+    for (const auto& [left, right] : anchors) {
+        stack.push_back({left + 1, a1, right + 1, b1});
+        a1 = left;
+        b1 = right;
+    }
+    stack.push_back({r.a0, a1, r.b0, b1});
+    Settled(2LL * (long long)anchors.size());
+    return true;
+}
+
+void CLineDiff::HistogramStep(const Range& r, std::vector<Range>& stack)
+{
+    const std::vector<int>& A = m_a;
+    const std::vector<int>& B = m_b;
+    {
         // Index the left range: occurrences counted, chained in ascending order.
         for (int i = r.a1 - 1; i >= r.a0; --i) {
             const int id = A[i];

@@ -169,7 +169,8 @@ TEST_P(LineDiffOracle, RandomEditsOfRepetitiveText)
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, LineDiffOracle,
-                         ::testing::Values(CLineDiff::Method::Histogram, CLineDiff::Method::Myers));
+                         ::testing::Values(CLineDiff::Method::Patience, CLineDiff::Method::Histogram,
+                                           CLineDiff::Method::Myers));
 
 TEST(LineDiffTest, MyersIsMinimalBelowItsCostLimit)
 {
@@ -181,17 +182,44 @@ TEST(LineDiffTest, MyersIsMinimalBelowItsCostLimit)
     }
 }
 
-TEST(LineDiffTest, HistogramStaysCloseToMinimal)
+class AnchoredMethods : public ::testing::TestWithParam<CLineDiff::Method>
+{
+};
+
+TEST_P(AnchoredMethods, StayCloseToMinimal)
 {
     std::mt19937 rng(11);
     long long found = 0, minimal = 0;
     for (int round = 0; round < 200; ++round) {
         const auto [left, right] = RandomPair(rng, 20 + int(rng() % 100), 30 + int(rng() % 200), int(rng() % 15));
-        const Diffed d = Diff(left, right, CLineDiff::Method::Histogram);
+        const Diffed d = Diff(left, right, GetParam());
         found += ChangedLines(d.hunks);
         minimal += MinimalChanged(d.left, d.right);
     }
     EXPECT_LE(found, minimal + minimal / 20);
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, AnchoredMethods,
+                         ::testing::Values(CLineDiff::Method::Patience, CLineDiff::Method::Histogram));
+
+TEST(LineDiffTest, ManyMovedBlocksStayNearMinimal)
+{
+    // Where the histogram method's greedy anchor goes wrong, patience keeps the
+    // longest order of unique lines.
+    std::mt19937 rng(5);
+    std::vector<std::string> a;
+    for (int i = 0; i < 400; ++i)
+        a.push_back("line " + std::to_string(i) + "\n");
+    std::vector<std::vector<std::string>> blocks;
+    for (std::size_t i = 0; i < a.size(); i += 7)
+        blocks.emplace_back(a.begin() + std::ptrdiff_t(i), a.begin() + std::ptrdiff_t(std::min(a.size(), i + 7)));
+    std::shuffle(blocks.begin(), blocks.end(), rng);
+    std::vector<std::string> b;
+    for (const auto& block : blocks)
+        b.insert(b.end(), block.begin(), block.end());
+    const Diffed d = Diff(Join(a), Join(b), CLineDiff::Method::Patience);
+    ExpectScriptTurnsLeftIntoRight(d);
+    EXPECT_LE(ChangedLines(d.hunks), MinimalChanged(d.left, d.right) * 21 / 20);
 }
 
 TEST(LineDiffTest, MovedBlockIsOneDeletionAndOneInsertion)
@@ -203,7 +231,7 @@ TEST(LineDiffTest, MovedBlockIsOneDeletionAndOneInsertion)
         a += "keep " + std::to_string(i) + "\n";
     b = moved + a;
     a = a + moved;
-    const Diffed d = Diff(a, b, CLineDiff::Method::Histogram);
+    const Diffed d = Diff(a, b, CLineDiff::Method::Patience);
     ASSERT_EQ(d.hunks.size(), 2u);
     EXPECT_EQ(d.hunks[0], (DiffHunk{0, 0, 0, 10}));
     EXPECT_EQ(d.hunks[1], (DiffHunk{50, 10, 60, 0}));
@@ -211,7 +239,7 @@ TEST(LineDiffTest, MovedBlockIsOneDeletionAndOneInsertion)
 
 TEST(LineDiffTest, AddedBlockSlidesBelowTheLineItRepeats)
 {
-    const Diffed d = Diff("a\n}\n", "a\n}\nb\n}\n", CLineDiff::Method::Histogram);
+    const Diffed d = Diff("a\n}\n", "a\n}\nb\n}\n", CLineDiff::Method::Patience);
     ASSERT_EQ(d.hunks.size(), 1u);
     EXPECT_EQ(d.hunks[0], (DiffHunk{2, 0, 2, 2}));
 }
@@ -238,7 +266,7 @@ TEST(LineDiffTest, OptionsDecideWhatCountsAsADifference)
         {"Hello  World\n", "hello world\n", {true, true}, 0},
     };
     for (const Row& row : rows) {
-        const Diffed d = Diff(row.left, row.right, CLineDiff::Method::Histogram, row.options);
+        const Diffed d = Diff(row.left, row.right, CLineDiff::Method::Patience, row.options);
         EXPECT_EQ(d.hunks.size(), row.hunks) << row.left << " | " << row.right;
     }
 }
