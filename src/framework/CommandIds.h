@@ -96,6 +96,19 @@ enum Id : int {
     HelpTopics = 32827,
     HelpContents = 32828,
     DocumentHistory = 7500,
+
+    // File versions and compare
+    CompareFiles = 36400,
+    CompareWithSaved = 36401,
+    CompareNextDifference = 36402,
+    ComparePreviousDifference = 36403,
+    CompareCopyToLeft = 36404,
+    CompareCopyToRight = 36405,
+    CompareSwapSides = 36406,
+    CompareRecompare = 36407,
+    CompareIgnoreWhitespace = 36408,
+    CompareIgnoreCase = 36409,
+    BackupManager = 36410,
 };
 
 } // namespace Cmd
