@@ -1,5 +1,76 @@
 #include "CompareOpenProbe.h"
 
+#ifdef MORVANE_HAS_COMPARE_VIEW
+
+#include "compare/CCompareDoc.h"
+#include "compare/CCompareView.h"
+#include "compare/CComparePane.h"
+#include "compare/CompareSource.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMainWindow>
+#include <QStatusBar>
+
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstring>
+
+namespace CompareOpenProbe {
+
+bool Available()
+{
+    return true;
+}
+
+int Measure(int argc, char** argv, long long (*peakKb)())
+{
+    // Offscreen unless asked to show the window (for a look at it under a display).
+    const bool show = std::getenv("MORVANE_BENCH_SHOW") != nullptr;
+    if (!show)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QElapsedTimer timer;
+    timer.start();
+    CompareSource left = CompareSource::Read(QString::fromLocal8Bit(argv[2]));
+    CompareSource right = CompareSource::Read(QString::fromLocal8Bit(argv[3]));
+    CCompareDoc document;
+    for (int side = 0; side < 2; ++side) {
+        document.GetSide(side).path = side == 0 ? left.path : right.path;
+        document.GetSide(side).encoding = side == 0 ? left.encoding : right.encoding;
+    }
+    document.UpdateTitle();
+    QMainWindow window;
+    auto* view = new CCompareView(&document, left, right, {});
+    // The view's panes hold their own copies now.
+    left = {};
+    right = {};
+    window.setCentralWidget(view);
+    window.setWindowTitle(document.GetTitle());
+    window.resize(1200, 800);
+    window.show();
+    view->WaitForCompare(600000);
+    window.grab(); // the first paint of both panes
+    const double seconds = timer.nsecsElapsed() / 1e9;
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const double cpu = usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    std::printf("%.4f 0 0 %lld %d %.4f\n", seconds, peakKb(), view->DifferenceCount(), cpu);
+    std::fflush(stdout);
+    if (show) {
+        window.statusBar()->showMessage(view->StatusText());
+        QObject::connect(view, &CCompareView::statusTextChanged, window.statusBar(),
+                         [&window](const QString& text) { window.statusBar()->showMessage(text); });
+        return app.exec();
+    }
+    return 0;
+}
+
+} // namespace CompareOpenProbe
+
+#else
+
 namespace CompareOpenProbe {
 bool Available()
 {
@@ -10,3 +81,5 @@ int Measure(int, char**, long long (*)())
     return 1;
 }
 } // namespace CompareOpenProbe
+
+#endif

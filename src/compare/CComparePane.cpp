@@ -12,6 +12,7 @@ constexpr unsigned long kInsertedBack = 0xC8F0C8; // light green
 constexpr unsigned long kFillerBack = 0xE6E6E6;
 constexpr unsigned long kCharMark = 0x3070F0;
 constexpr unsigned long kCurrentMark = 0x303030;
+constexpr qsizetype kLargeText = 16 * 1024 * 1024;
 
 } // namespace
 
@@ -65,6 +66,16 @@ void CComparePane::SetText(const QByteArray& text, bool utf8)
 {
     const bool wasReadOnly = IsReadOnly();
     SetReadOnly(false);
+    if (text.size() > kLargeText) {
+        // A very large text goes into a document without style bytes: colouring it
+        // would double the memory the text takes, for a compare that shows its lines.
+        void* document = reinterpret_cast<void*>(SendScintilla(
+            SCI_CREATEDOCUMENT, static_cast<unsigned long>(text.size() + 1000),
+            static_cast<long>(SC_DOCUMENTOPTION_STYLES_NONE | SC_DOCUMENTOPTION_TEXT_LARGE)));
+        SendScintilla(SCI_SETDOCPOINTER, 0UL, document);
+        SendScintilla(SCI_RELEASEDOCUMENT, 0UL, document);
+        ApplyOwnStyles();
+    }
     SendScintilla(SCI_SETUNDOCOLLECTION, 0UL);
     SendScintilla(SCI_SETCODEPAGE, utf8 ? static_cast<unsigned long>(SC_CP_UTF8) : 0UL);
     SendScintilla(SCI_CLEARALL);
@@ -89,17 +100,28 @@ QByteArray CComparePane::Text() const
 
 void CComparePane::ClearDifferences()
 {
+    // Only what was shown is taken away: a sweep over every line of a large file is
+    // what made refreshing slow.
+    if (!m_shown)
+        return;
     for (int marker : {int(ChangedMarker), int(DeletedMarker), int(InsertedMarker), int(CurrentMarker)})
         SendScintilla(SCI_MARKERDELETEALL, static_cast<unsigned long>(marker));
     SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(ChangeIndicator));
     SendScintilla(SCI_INDICATORCLEARRANGE, 0UL, Length());
-    SendScintilla(SCI_ANNOTATIONCLEARALL);
+    const int lines = LineCount();
+    for (const int line : m_annotated) {
+        if (line < lines)
+            SendScintilla(SCI_ANNOTATIONSETTEXT, static_cast<unsigned long>(line), static_cast<const char*>(nullptr));
+    }
+    m_annotated.clear();
+    m_shown = false;
 }
 
 void CComparePane::ShowDifferences(const CompareModel& model, CompareModel::Side side,
                                    const std::vector<std::pair<int, std::vector<CharDiff::Span>>>& charSpans)
 {
     ClearDifferences();
+    m_shown = true;
     const int other = side == CompareModel::Left ? CompareModel::Right : CompareModel::Left;
     std::vector<std::pair<int, int>> fillers; // anchor line, rows
     for (int d = 0; d < model.DifferenceCount(); ++d) {
@@ -127,6 +149,7 @@ void CComparePane::ShowDifferences(const CompareModel& model, CompareModel::Side
         for (int r = 0; r < filler; ++r)
             rows[r * 2] = ' ';
         SendScintilla(SCI_ANNOTATIONSETTEXT, static_cast<unsigned long>(anchor), rows.constData());
+        m_annotated.push_back(anchor);
         SendScintilla(SCI_ANNOTATIONSETSTYLE, static_cast<unsigned long>(anchor), 0L);
     }
     SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(ChangeIndicator));

@@ -59,4 +59,6 @@ public:
 
 private:
     int m_fillerStyle = 0;
+    bool m_shown = false;
+    std::vector<int> m_annotated;
 };

@@ -118,6 +118,8 @@ CCompareView::CCompareView(CCompareDoc* document, const CompareSource& left, con
     connect(&m_watcher, &QFutureWatcher<std::shared_ptr<Result>>::finished, this, &CCompareView::OnCompareFinished);
     if (m_document)
         m_document->SetView(this);
+    m_initialText[0] = left.text.isNull() ? QByteArray("") : left.text;
+    m_initialText[1] = right.text.isNull() ? QByteArray("") : right.text;
     StartCompare();
 }
 
@@ -186,8 +188,9 @@ void CCompareView::StartCompare()
         m_compareAgain = true;
         return;
     }
-    const QByteArray left = m_panes[0]->Text();
-    const QByteArray right = m_panes[1]->Text();
+    const bool initial = !m_initialText[0].isNull() || !m_initialText[1].isNull();
+    const QByteArray left = initial ? std::exchange(m_initialText[0], QByteArray()) : m_panes[0]->Text();
+    const QByteArray right = initial ? std::exchange(m_initialText[1], QByteArray()) : m_panes[1]->Text();
     const DiffOptions options = m_options;
     m_cancel = std::make_shared<std::atomic<bool>>(false);
     auto progress = std::make_shared<std::atomic<int>>(0);
@@ -202,7 +205,8 @@ void CCompareView::StartCompare()
     }
     m_progress->reset();
     m_progress->setValue(0);
-    connect(m_progress, &QProgressDialog::canceled, this, [cancel] { cancel->store(true); }, Qt::UniqueConnection);
+    disconnect(m_progress, &QProgressDialog::canceled, this, nullptr);
+    connect(m_progress, &QProgressDialog::canceled, this, [cancel] { cancel->store(true); });
     auto* poll = new QTimer(m_progress);
     connect(poll, &QTimer::timeout, m_progress, [dialog = m_progress.data(), progress] {
         dialog->setValue(progress->load());

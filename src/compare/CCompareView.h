@@ -108,4 +108,6 @@ private:
     QPointer<QProgressDialog> m_progress;
     bool m_compareAgain = false;
     QTimer m_refreshTimer;
+    // The texts as read, shared with the first diff so that it needs no copies.
+    QByteArray m_initialText[2];
 };

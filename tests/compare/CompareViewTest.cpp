@@ -240,4 +240,29 @@ TEST_F(CompareViewTest, CommandsSitInTheFileAndViewMenus)
     EXPECT_FALSE(shell.Commands().State(Cmd::CompareWithSaved).enabled);
 }
 
+TEST_F(CompareViewTest, CompareWithSavedShowsTheUnsavedTextBesideTheFile)
+{
+    const QString path = Path(QStringLiteral("doc.txt"));
+    WriteFile(path, "saved line\nsecond\n");
+    auto* document = new CDocument;
+    document->SetPathName(path, false);
+    auto* frame = new CChildFrame(document);
+    auto* control = new QsciScintillaBase(frame);
+    frame->setWidget(control);
+    control->SendScintilla(QsciScintillaBase::SCI_SETCODEPAGE, static_cast<unsigned long>(QsciScintillaBase::SC_CP_UTF8));
+    control->SendScintilla(QsciScintillaBase::SCI_SETTEXT, "typed line\nsecond\n");
+    shell.AddChildFrame(frame);
+    EXPECT_TRUE(shell.Commands().State(Cmd::CompareWithSaved).enabled);
+    shell.Commands().Execute(Cmd::CompareWithSaved);
+    auto* compare = qobject_cast<CCompareFrame*>(shell.ActiveChild());
+    ASSERT_TRUE(compare);
+    compare->View()->WaitForCompare();
+    EXPECT_EQ(compare->View()->DifferenceCount(), 1);
+    EXPECT_EQ(compare->View()->Pane(0)->Text(), QByteArray("saved line\nsecond\n"));
+    // The unsaved side is the editor's text, not a file: it can't be written from here.
+    EXPECT_TRUE(compare->View()->Pane(1)->IsReadOnly());
+    EXPECT_FALSE(compare->View()->CanCopyTo(1));
+    document->setParent(frame); // goes with the frame at the end
+}
+
 } // namespace
