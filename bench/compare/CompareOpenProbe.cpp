@@ -42,7 +42,14 @@ int Measure(int argc, char** argv, long long (*peakKb)())
     }
     document.UpdateTitle();
     QMainWindow window;
+    auto cpuNow = [] {
+        rusage u{};
+        getrusage(RUSAGE_SELF, &u);
+        return u.ru_utime.tv_sec + u.ru_stime.tv_sec + (u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
+    };
+    const double cpuRead = cpuNow();
     auto* view = new CCompareView(&document, left, right, {});
+    const double cpuPanes = cpuNow();
     // The view's panes hold their own copies now.
     left = {};
     right = {};
@@ -51,7 +58,11 @@ int Measure(int argc, char** argv, long long (*peakKb)())
     window.resize(1200, 800);
     window.show();
     view->WaitForCompare(600000);
+    const double cpuDiff = cpuNow();
     window.grab(); // the first paint of both panes
+    if (std::getenv("MORVANE_BENCH_PHASES"))
+        std::fprintf(stderr, "cpu: read %.2f, panes %.2f, diff and marks %.2f, paint %.2f\n", cpuRead,
+                     cpuPanes - cpuRead, cpuDiff - cpuPanes, cpuNow() - cpuDiff);
     const double seconds = timer.nsecsElapsed() / 1e9;
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);

@@ -66,7 +66,8 @@ void CComparePane::SetText(const QByteArray& text, bool utf8)
 {
     const bool wasReadOnly = IsReadOnly();
     SetReadOnly(false);
-    if (text.size() > kLargeText) {
+    const bool large = text.size() > kLargeText;
+    if (large) {
         // A very large text goes into a document without style bytes: colouring it
         // would double the memory the text takes, for a compare that shows its lines.
         void* document = reinterpret_cast<void*>(SendScintilla(
@@ -79,7 +80,8 @@ void CComparePane::SetText(const QByteArray& text, bool utf8)
     SendScintilla(SCI_SETUNDOCOLLECTION, 0UL);
     SendScintilla(SCI_SETCODEPAGE, utf8 ? static_cast<unsigned long>(SC_CP_UTF8) : 0UL);
     SendScintilla(SCI_CLEARALL);
-    SendScintilla(SCI_ALLOCATE, static_cast<unsigned long>(text.size() + 1000));
+    if (!large) // a large document was made at its size already
+        SendScintilla(SCI_ALLOCATE, static_cast<unsigned long>(text.size() + 1000));
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(text.size()), text.constData());
     SendScintilla(SCI_SETUNDOCOLLECTION, 1UL);
     SendScintilla(SCI_EMPTYUNDOBUFFER);

@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEvent>
+#include <QEventLoop>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
@@ -58,10 +59,6 @@ CCompareView::CCompareView(CCompareDoc* document, const CompareSource& left, con
     for (int side = 0; side < 2; ++side) {
         auto* pane = new CComparePane(this);
         m_panes[side] = pane;
-        pane->SetText(sources[side]->text, TextEncoding::HeldAsUtf8(sources[side]->encoding));
-        pane->SetReadOnly(document->GetSide(side).readOnly);
-        if (m_colourer)
-            m_colourer(*pane, sources[side]->path);
         pane->installEventFilter(this);
         auto* label = new QLabel(this);
         label->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -118,9 +115,19 @@ CCompareView::CCompareView(CCompareDoc* document, const CompareSource& left, con
     connect(&m_watcher, &QFutureWatcher<std::shared_ptr<Result>>::finished, this, &CCompareView::OnCompareFinished);
     if (m_document)
         m_document->SetView(this);
+    // The diff starts on the worker while this thread fills the panes.
     m_initialText[0] = left.text.isNull() ? QByteArray("") : left.text;
     m_initialText[1] = right.text.isNull() ? QByteArray("") : right.text;
     StartCompare();
+    m_filling = true;
+    for (int side = 0; side < 2; ++side) {
+        CComparePane* pane = m_panes[side];
+        pane->SetText(sources[side]->text, TextEncoding::HeldAsUtf8(sources[side]->encoding));
+        pane->SetReadOnly(document->GetSide(side).readOnly);
+        if (m_colourer)
+            m_colourer(*pane, sources[side]->path);
+    }
+    m_filling = false;
 }
 
 CCompareView::~CCompareView()
@@ -178,7 +185,8 @@ void CCompareView::Recompare()
 void CCompareView::OnTextChanged(int side)
 {
     Q_UNUSED(side);
-    m_refreshTimer.start();
+    if (!m_filling)
+        m_refreshTimer.start();
 }
 
 void CCompareView::StartCompare()
@@ -299,8 +307,12 @@ bool CCompareView::WaitForCompare(int timeoutMs)
 {
     QElapsedTimer timer;
     timer.start();
-    while ((m_watcher.isRunning() || m_refreshTimer.isActive() || m_compareAgain) && timer.elapsed() < timeoutMs)
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
+    while ((m_watcher.isRunning() || m_refreshTimer.isActive() || m_compareAgain) && timer.elapsed() < timeoutMs) {
+        // Waits in the event loop rather than spinning, so the worker has the processor.
+        QEventLoop loop;
+        QTimer::singleShot(10, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
     QApplication::processEvents();
     return !m_watcher.isRunning();
 }

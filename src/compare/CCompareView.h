@@ -100,6 +100,7 @@ private:
     int m_caretAt[2] = {-1, -1};
     int m_focusSide = 0;
     bool m_syncing = false;
+    bool m_filling = false;
     bool m_identicalBytes = false;
     QString m_status;
 
