@@ -189,7 +189,9 @@ QByteArray CComparePane::LinesText(int first, int count) const
     const int lines = LineCount();
     const long to = first + count >= lines ? Length()
                                            : SendScintilla(SCI_POSITIONFROMLINE, static_cast<unsigned long>(first + count));
-    return Text().mid(from, to - from);
+    const char* data = reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, static_cast<unsigned long>(from),
+                                                                   static_cast<long>(to - from)));
+    return QByteArray(data, to - from);
 }
 
 QByteArray CComparePane::LineEnd() const
@@ -232,10 +234,11 @@ void CComparePane::ReplaceLines(int first, int count, QByteArray text)
         }
     } else if (atEnd && from > 0 && to > from) {
         // Removing the last lines also removes the line end that led to them.
-        const QByteArray before = Text().left(from);
-        if (before.endsWith("\r\n"))
+        const char last = char(SendScintilla(SCI_GETCHARAT, static_cast<unsigned long>(from - 1)));
+        const char beforeLast = from > 1 ? char(SendScintilla(SCI_GETCHARAT, static_cast<unsigned long>(from - 2))) : '\0';
+        if (last == '\n' && beforeLast == '\r')
             from -= 2;
-        else if (endsWithEol(before))
+        else if (last == '\n' || last == '\r')
             from -= 1;
     }
     SendScintilla(SCI_BEGINUNDOACTION);
