@@ -6,9 +6,13 @@
 #include "compare/CCompareView.h"
 #include "compare/CComparePane.h"
 #include "compare/CompareSource.h"
+#include "settings/ViewSettings.h"
+#include "syntax/CSyntaxParserList.h"
+#include "syntax/SyntaxApplier.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QMainWindow>
 #include <QStatusBar>
 
@@ -48,7 +52,18 @@ int Measure(int argc, char** argv, long long (*peakKb)())
         return u.ru_utime.tv_sec + u.ru_stime.tv_sec + (u.ru_utime.tv_usec + u.ru_stime.tv_usec) / 1e6;
     };
     const double cpuRead = cpuNow();
-    auto* view = new CCompareView(&document, left, right, {});
+    // Coloured as the program colours them when asked to show the window.
+    CSyntaxParserList parsers(QStringLiteral(MORVANE_SYNTAX_DIR));
+    CCompareView::Colourer colourer;
+    if (show) {
+        parsers.Load();
+        colourer = [&parsers](QsciScintillaBase& pane, const QString& path) {
+            SyntaxApplier::ApplyForExtension(pane, parsers, QLatin1Char('.') + QFileInfo(path).suffix(), ViewSettings());
+            if (auto* comparePane = qobject_cast<CComparePane*>(&pane))
+                comparePane->ApplyOwnStyles();
+        };
+    }
+    auto* view = new CCompareView(&document, left, right, {}, colourer);
     const double cpuPanes = cpuNow();
     // The view's panes hold their own copies now.
     left = {};
