@@ -126,8 +126,9 @@ void CComparePane::ShowDifferences(const CompareModel& model, CompareModel::Side
     m_shown = true;
     const int other = side == CompareModel::Left ? CompareModel::Right : CompareModel::Left;
     std::vector<std::pair<int, int>> fillers; // anchor line, rows
-    for (int d = 0; d < model.DifferenceCount(); ++d) {
-        const CompareModel::Block& block = model.Blocks()[std::size_t(model.DifferenceBlock(d))];
+    for (const CompareModel::Block& block : model.Blocks()) {
+        if (!block.difference)
+            continue;
         const int start = block.start[side];
         const int count = block.count[side];
         const int paired = std::min(count, block.count[other]);

@@ -5,6 +5,7 @@
 #include "compare/CLineDiff.h"
 #include "compare/COverviewStrip.h"
 #include "compare/CompareSource.h"
+#include "compare/LinePairing.h"
 #include "compare/LineTable.h"
 #include "editor/EncodingWriter.h"
 #include "editor/TextEncoding.h"
@@ -73,9 +74,11 @@ CCompareView::CCompareView(CCompareDoc* document, const CompareSource& left, con
                 const int difference = m_model.DifferenceOfRow(CaretRow());
                 if (difference >= 0 && difference != m_current) {
                     m_current = difference;
-                    const CompareModel::Block& b = m_model.Blocks()[std::size_t(m_model.DifferenceBlock(difference))];
-                    for (int s = 0; s < 2; ++s)
-                        m_panes[s]->MarkCurrent(b.start[s], b.count[s]);
+                    for (int s = 0; s < 2; ++s) {
+                        int start = 0, count = 0;
+                        m_model.DifferenceLines(difference, CompareModel::Side(s), start, count);
+                        m_panes[s]->MarkCurrent(start, count);
+                    }
                 }
             }
         });
@@ -238,7 +241,13 @@ void CCompareView::StartCompare()
             result->cancelled = true;
             return result;
         }
-        result->hunks = diff.Hunks();
+        // Changed lines stand beside their likeliest counterparts.
+        for (const DiffHunk& hunk : diff.Hunks()) {
+            const std::vector<DiffHunk> parts = LinePairing::Pair(hunk, [&](int side, int line) {
+                return side == 0 ? LineTable::Line(l, table.LeftStarts(), line) : LineTable::Line(r, table.RightStarts(), line);
+            });
+            result->hunks.insert(result->hunks.end(), parts.begin(), parts.end());
+        }
         result->lines[0] = int(table.LeftIds().size());
         result->lines[1] = int(table.RightIds().size());
         int pairs = 0;
@@ -360,18 +369,19 @@ void CCompareView::GoToDifference(int index)
 {
     if (index < 0 || index >= m_model.DifferenceCount())
         return;
-    const CompareModel::Block& b = m_model.Blocks()[std::size_t(m_model.DifferenceBlock(index))];
     m_current = index;
     int displayRow = -1;
     for (int side = 0; side < 2; ++side) {
         CComparePane* pane = m_panes[side];
-        const int line = std::min(b.start[side], std::max(0, pane->LineCount() - 1));
+        int start = 0, count = 0;
+        m_model.DifferenceLines(index, CompareModel::Side(side), start, count);
+        const int line = std::min(start, std::max(0, pane->LineCount() - 1));
         m_syncing = true;
         pane->GoToLine(line);
         m_caretAt[side] = line;
         m_syncing = false;
-        pane->MarkCurrent(b.start[side], b.count[side]);
-        if (b.count[side] > 0 && displayRow < 0)
+        pane->MarkCurrent(start, count);
+        if (count > 0 && displayRow < 0)
             displayRow = pane->RowOfLine(line);
     }
     m_panes[0]->SetFirstVisibleRow(std::max(0, displayRow - 3));
@@ -428,10 +438,12 @@ void CCompareView::CopyTo(int side)
 {
     if (!CanCopyTo(side))
         return;
-    const CompareModel::Block& b = m_model.Blocks()[std::size_t(m_model.DifferenceBlock(m_current))];
     const int from = 1 - side;
-    const QByteArray text = m_panes[from]->LinesText(b.start[from], b.count[from]);
-    m_panes[side]->ReplaceLines(b.start[side], b.count[side], text);
+    int fromStart = 0, fromCount = 0, toStart = 0, toCount = 0;
+    m_model.DifferenceLines(m_current, CompareModel::Side(from), fromStart, fromCount);
+    m_model.DifferenceLines(m_current, CompareModel::Side(side), toStart, toCount);
+    const QByteArray text = m_panes[from]->LinesText(fromStart, fromCount);
+    m_panes[side]->ReplaceLines(toStart, toCount, text);
     Recompare();
 }
 

@@ -35,8 +35,9 @@ void COverviewStrip::paintEvent(QPaintEvent*)
     const double scale = double(height()) / m_model->RowCount();
     const int half = width() / 2;
     const QColor changed(0xFF, 0xD8, 0x40), deleted(0xE0, 0x50, 0x50), inserted(0x40, 0xB0, 0x40);
-    for (int d = 0; d < m_model->DifferenceCount(); ++d) {
-        const CompareModel::Block& b = m_model->Blocks()[std::size_t(m_model->DifferenceBlock(d))];
+    for (const CompareModel::Block& b : m_model->Blocks()) {
+        if (!b.difference)
+            continue;
         const int paired = std::min(b.count[0], b.count[1]);
         auto band = [&](int rowFrom, int rows, int x, int w, const QColor& colour) {
             if (rows <= 0)

@@ -7,6 +7,7 @@ void CompareModel::Build(const std::vector<DiffHunk>& hunks, int leftLines, int 
     m_blocks.clear();
     m_differences.clear();
     m_differenceOfBlock.clear();
+    m_differenceEnd.clear();
     m_lines[Left] = leftLines;
     m_lines[Right] = rightLines;
     int left = 0, right = 0, row = 0;
@@ -27,6 +28,8 @@ void CompareModel::Build(const std::vector<DiffHunk>& hunks, int leftLines, int 
         row += count;
     };
     for (const DiffHunk& hunk : hunks) {
+        const bool continues = !m_blocks.empty() && m_blocks.back().difference && hunk.leftStart == left &&
+                               hunk.rightStart == right;
         addEqual(hunk.leftStart);
         Block block;
         block.difference = true;
@@ -36,9 +39,13 @@ void CompareModel::Build(const std::vector<DiffHunk>& hunks, int leftLines, int 
         block.count[Right] = hunk.rightCount;
         block.row = row;
         block.rows = std::max(hunk.leftCount, hunk.rightCount);
-        m_differenceOfBlock.push_back(int(m_differences.size()));
-        m_differences.push_back(int(m_blocks.size()));
+        if (!continues) {
+            m_differences.push_back(int(m_blocks.size()));
+            m_differenceEnd.push_back(0);
+        }
+        m_differenceOfBlock.push_back(int(m_differences.size()) - 1);
         m_blocks.push_back(block);
+        m_differenceEnd.back() = int(m_blocks.size());
         left = hunk.leftStart + hunk.leftCount;
         right = hunk.rightStart + hunk.rightCount;
         row += block.rows;
@@ -96,13 +103,22 @@ int CompareModel::RowOfLine(Side side, int line) const
     return b.row + (line - b.start[side]);
 }
 
+void CompareModel::DifferenceLines(int index, Side side, int& start, int& count) const
+{
+    const Block& first = m_blocks[std::size_t(m_differences[std::size_t(index)])];
+    const Block& last = m_blocks[std::size_t(m_differenceEnd[std::size_t(index)] - 1)];
+    start = first.start[side];
+    count = last.start[side] + last.count[side] - start;
+}
+
 int CompareModel::FillerAfter(Side side, int line) const
 {
     // A difference's filler stands below the side's last line of it, or below the
     // line before it when the side has none there.
     int filler = 0;
-    for (const int index : m_differences) {
-        const Block& b = m_blocks[std::size_t(index)];
+    for (const Block& b : m_blocks) {
+        if (!b.difference)
+            continue;
         const int rows = b.rows - b.count[side];
         if (rows == 0)
             continue;

@@ -5,8 +5,8 @@
 #include <vector>
 
 // Two files laid out side by side: rows that pair a left line with a right line, and
-// filler rows where one side has no line. A block is a run of equal lines or one
-// difference; a difference pairs its lines from the top ("changed") and leaves the rest
+// filler rows where one side has no line. A block is a run of equal lines or one part of
+// a difference; such a part pairs its lines from the top ("changed") and leaves the rest
 // on the longer side as deleted (left) or inserted (right).
 class CompareModel
 {
@@ -28,9 +28,13 @@ public:
     const std::vector<Block>& Blocks() const { return m_blocks; }
     int RowCount() const { return m_rows; }
     int LineCount(Side side) const { return m_lines[side]; }
+    // Differences are runs of difference blocks with no equal line between them: a
+    // difference whose lines were paired by likeness spans several blocks.
     int DifferenceCount() const { return int(m_differences.size()); }
-    // The block index of difference `index`.
+    // The first block of difference `index`.
     int DifferenceBlock(int index) const { return m_differences[std::size_t(index)]; }
+    // The lines of a side that difference `index` covers.
+    void DifferenceLines(int index, Side side, int& start, int& count) const;
 
     // The block that holds a side's line; -1 outside the file.
     int BlockOfLine(Side side, int line) const;
@@ -51,6 +55,7 @@ private:
     std::vector<Block> m_blocks;
     std::vector<int> m_differences;
     std::vector<int> m_differenceOfBlock;
+    std::vector<int> m_differenceEnd; // one past the last block of each difference
     int m_rows = 0;
     int m_lines[2] = {0, 0};
 };

@@ -3,10 +3,13 @@
 #include "compare/CompareArguments.h"
 #include "compare/CompareModel.h"
 #include "compare/CompareSource.h"
+#include "compare/LinePairing.h"
 
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace {
 
@@ -107,6 +110,74 @@ TEST(CompareModelTest, StepsBetweenDifferences)
     EXPECT_EQ(model.PreviousDifference(1), -1);
     EXPECT_EQ(model.DifferenceOfRow(5), 1);
     EXPECT_EQ(model.DifferenceOfRow(0), -1);
+}
+
+TEST(CompareModelTest, AdjoiningPartsMakeOneDifference)
+{
+    // Left: a X b       right: a P Q X' b   (X paired with X' after two added lines)
+    CompareModel model;
+    model.Build({{1, 0, 1, 2}, {1, 1, 3, 1}}, 3, 5);
+    EXPECT_EQ(model.DifferenceCount(), 1);
+    int start = 0, count = 0;
+    model.DifferenceLines(0, CompareModel::Right, start, count);
+    EXPECT_EQ(start, 1);
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(model.KindOf(CompareModel::Right, 1), Kind::Inserted);
+    EXPECT_EQ(model.KindOf(CompareModel::Right, 3), Kind::Changed);
+    EXPECT_EQ(model.FillerAfter(CompareModel::Left, 0), 2);
+    EXPECT_EQ(model.RowOfLine(CompareModel::Left, 1), model.RowOfLine(CompareModel::Right, 3));
+    EXPECT_EQ(model.DifferenceOfRow(2), 0);
+    EXPECT_EQ(model.NextDifference(0), 0);
+    EXPECT_EQ(model.NextDifference(1), -1);
+}
+
+TEST(LinePairingTest, ChangedLinesStandBesideTheirLikeliestCounterparts)
+{
+    const std::vector<std::string> left = {"    printf(\"%d\\n\", sum(argc - 1, argv + 1));"};
+    const std::vector<std::string> right = {"    if (argc < 2) {", "        fprintf(stderr, \"usage\");", "    }",
+                                            "    printf(\"%ld\\n\", sum(argc - 1, argv + 1));"};
+    // The lines are numbered from 10 on the left and from 20 on the right.
+    auto line = [&](int side, int n) -> std::string_view {
+        return side == 0 ? left[std::size_t(n - 10)] : right[std::size_t(n - 20)];
+    };
+    const std::vector<DiffHunk> parts = LinePairing::Pair({10, 1, 20, 4}, line);
+    EXPECT_EQ(parts, (std::vector<DiffHunk>{{10, 0, 20, 3}, {10, 1, 23, 1}}));
+
+    // Nothing alike: the difference stays whole.
+    const std::vector<std::string> other = {"alpha", "beta", "gamma"};
+    auto unrelated = [&](int side, int n) -> std::string_view {
+        return side == 0 ? std::string_view("zzzz qqqq") : std::string_view(other[std::size_t(n)]);
+    };
+    EXPECT_EQ(LinePairing::Pair({0, 1, 0, 3}, unrelated), (std::vector<DiffHunk>{{0, 1, 0, 3}}));
+    EXPECT_GT(LinePairing::Similarity("return 0;", "return 1;"), 0.5);
+    EXPECT_LT(LinePairing::Similarity("return 0;", "}"), 0.5);
+}
+
+TEST(LinePairingTest, PartsCoverTheDifferenceExactlyAndInOrder)
+{
+    std::mt19937 rng(9);
+    const char* const words[] = {"return x;", "return y;", "}", "if (a) {", "call(a, b);", "call(a, c);", ""};
+    for (int round = 0; round < 300; ++round) {
+        std::vector<std::string> sides[2];
+        // A difference always has a line on at least one side.
+        for (int side = 0; side < 2; ++side)
+            for (int k = int(rng() % 9) + (side == 0 ? 1 : 0); k > 0; --k)
+                sides[side].push_back(words[rng() % 7]);
+        const DiffHunk hunk{5, int(sides[0].size()), 7, int(sides[1].size())};
+        auto line = [&](int side, int n) -> std::string_view {
+            return sides[side][std::size_t(n - (side == 0 ? 5 : 7))];
+        };
+        int left = hunk.leftStart, right = hunk.rightStart;
+        for (const DiffHunk& part : LinePairing::Pair(hunk, line)) {
+            EXPECT_EQ(part.leftStart, left);
+            EXPECT_EQ(part.rightStart, right);
+            EXPECT_GT(part.leftCount + part.rightCount, 0);
+            left += part.leftCount;
+            right += part.rightCount;
+        }
+        EXPECT_EQ(left, hunk.leftStart + hunk.leftCount);
+        EXPECT_EQ(right, hunk.rightStart + hunk.rightCount);
+    }
 }
 
 TEST(CompareSourceTest, ReadsEachEncodingAsTheControlHoldsIt)
