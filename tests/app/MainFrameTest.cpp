@@ -63,7 +63,7 @@ TEST_P(ViewToggleTest, ReachesEveryTextViewAndNoOtherKind)
     CScrivelFrame* second = OpenText("two.txt", "gamma\n");
     // The hex frame is the active one: the command still reaches the text views.
     ASSERT_TRUE(first && second && OpenHex("three.bin"));
-    EXPECT_EQ(Frame()->TextViews().size(), 2);
+    EXPECT_EQ(CEditorCommands::Of(*Frame())->TextViews().size(), 2);
     Expect(first, false);
     EXPECT_FALSE(Checked(id));
 
@@ -238,7 +238,7 @@ TEST_F(MainFrameTest, BackAndForwardMoveTheCaretAcrossViewsAndAClosedViewLeavesT
     CScrivelFrame* a = OpenText("a.txt", "0123456789\n0123456789\n");
     CScrivelFrame* b = OpenText("b.txt", "abcdefghij\n");
     ASSERT_TRUE(a && b);
-    NavigationHistory& history = App()->GetNavigation();
+    NavigationHistory& history = CEditorCommands::Of(*Frame())->Navigation();
     history = NavigationHistory();
     EXPECT_FALSE(Enabled(Cmd::NavigateBack));
     history.Add(a->GetView(), 12);
