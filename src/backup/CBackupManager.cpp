@@ -66,15 +66,11 @@ void CBackupManager::Watch(CDocument* document)
 {
     if (!document || Store(document) || document->inherits("CHexDocument") || document->inherits("CCompareDoc"))
         return;
-    const QMetaObject* meta = document->metaObject();
-    if (meta->indexOfSignal("aboutToSave(QString)") < 0)
-        return;
     auto store = std::make_shared<CBackupStore>(m_shell.Settings());
     store->SetFailureHandler([this](const QString& message) { ShowFailure(message); });
     m_stores.append({document, store});
-    connect(document, SIGNAL(aboutToSave(QString)), this, SLOT(OnAboutToSave(QString)));
-    if (meta->indexOfSignal("loaded(QString)") >= 0)
-        connect(document, SIGNAL(loaded(QString)), this, SLOT(OnLoaded(QString)));
+    connect(document, &CDocument::aboutToSave, this, &CBackupManager::OnAboutToSave);
+    connect(document, &CDocument::loaded, this, &CBackupManager::OnLoaded);
     connect(document, &CDocument::closing, this, &CBackupManager::OnClosing);
     connect(document, &QObject::destroyed, this, [this](QObject* gone) {
         for (qsizetype i = m_stores.size(); i-- > 0;) {

@@ -49,11 +49,6 @@ public:
         SetPathName(path, false);
         Q_EMIT saved(path);
     }
-
-Q_SIGNALS:
-    void aboutToSave(const QString& path);
-    void saved(const QString& path);
-    void loaded(const QString& path);
 };
 
 // Hex documents announce saves too, but keep no versions.
