@@ -96,6 +96,10 @@ enum Id : int {
     HelpTopics = 32827,
     HelpContents = 32828,
     DocumentHistory = 7500,
+
+    // File explorer page (tool strip)
+    RefreshFileSystemView = 6011,
+    FileExplorerShowHidden = 36600,
 };
 
 } // namespace Cmd
