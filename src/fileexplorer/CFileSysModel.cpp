@@ -20,6 +20,35 @@ struct CFileSysModel::Node
     std::vector<std::unique_ptr<Node>> children;
 };
 
+namespace {
+
+// Sorts nodes folders first, then by name, computing each name's key once.
+template <typename NodePtr>
+void SortNodes(std::vector<NodePtr>& nodes)
+{
+    struct Keyed
+    {
+        QString key;
+        NodePtr node;
+    };
+    std::vector<Keyed> keyed;
+    keyed.reserve(nodes.size());
+    for (auto& node : nodes)
+        keyed.push_back({FileSysOrder::SortKey(node->name), std::move(node)});
+    std::sort(keyed.begin(), keyed.end(), [](const Keyed& a, const Keyed& b) {
+        if (a.node->folder != b.node->folder)
+            return a.node->folder;
+        const int c = QString::compare(a.key, b.key, Qt::CaseSensitive);
+        if (c != 0)
+            return c < 0;
+        return QString::compare(a.node->name, b.node->name, Qt::CaseSensitive) < 0;
+    });
+    for (size_t i = 0; i < nodes.size(); ++i)
+        nodes[i] = std::move(keyed[i].node);
+}
+
+} // namespace
+
 CFileSysModel::CFileSysModel(QObject* parent)
     : QAbstractItemModel(parent)
     , m_ownSource(std::make_unique<CLocalDirectorySource>())
@@ -155,9 +184,7 @@ void CFileSysModel::Fill(Node* node)
     children.reserve(entries.size());
     for (const DirEntry& entry : entries)
         children.push_back(MakeChild(node, entry, true));
-    std::sort(children.begin(), children.end(), [](const auto& a, const auto& b) {
-        return FileSysOrder::Less(a->folder, a->name, b->folder, b->name);
-    });
+    SortNodes(children);
     beginInsertRows(IndexOf(node), 0, int(children.size()) - 1);
     node->children = std::move(children);
     Renumber(node);
@@ -175,9 +202,7 @@ void CFileSysModel::SortChildren(Node* node)
         if (index.internalPointer() && NodeOf(index)->parent == node)
             moved.emplace_back(index, NodeOf(index));
     }
-    std::stable_sort(node->children.begin(), node->children.end(), [](const auto& a, const auto& b) {
-        return FileSysOrder::Less(a->folder, a->name, b->folder, b->name);
-    });
+    SortNodes(node->children);
     Renumber(node);
     for (const auto& [from, child] : moved)
         changePersistentIndex(from, createIndex(child->row, from.column(), child));

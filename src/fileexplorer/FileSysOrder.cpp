@@ -1,5 +1,7 @@
 #include "fileexplorer/FileSysOrder.h"
 
+#include <algorithm>
+
 namespace FileSysOrder {
 
 namespace {
@@ -65,6 +67,34 @@ int CompareNames(const QString& a, const QString& b)
     if (j < nb)
         return -1;
     return QString::compare(a, b, Qt::CaseSensitive);
+}
+
+QString SortKey(const QString& name)
+{
+    QString key;
+    key.reserve(name.size() + 4);
+    const QChar* p = name.constData();
+    const qsizetype n = name.size();
+    for (qsizetype i = 0; i < n;) {
+        if (IsDigit(p[i])) {
+            qsizetype start = i;
+            while (start < n && p[start] == QLatin1Char('0'))
+                ++start;
+            qsizetype end = start;
+            while (end < n && IsDigit(p[end]))
+                ++end;
+            // Every run starts with '0', so against any other character it compares
+            // as a digit would; then its length, then its digits.
+            key.append(QLatin1Char('0'));
+            key.append(QChar(char16_t(0x20 + std::min<qsizetype>(end - start, 0xF000))));
+            key.append(p + start, end - start);
+            i = end;
+            continue;
+        }
+        key.append(QChar(Fold(p[i])));
+        ++i;
+    }
+    return key;
 }
 
 bool Less(bool folderA, const QString& a, bool folderB, const QString& b)

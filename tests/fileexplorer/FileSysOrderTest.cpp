@@ -77,3 +77,36 @@ TEST(TopLevelFoldersTest, HomeRootThenTheVolumesAPersonMounted)
 }
 
 } // namespace
+
+namespace {
+
+// Sorting by keys must give exactly the order of the name comparison.
+TEST(FileSysOrderKeyTest, KeysOrderNamesAsTheComparisonDoes)
+{
+    const QString alphabet = QStringLiteral("aAbB0019._-\u00e9\u00c9z");
+    quint32 seed = 12345;
+    auto next = [&] {
+        seed = seed * 1103515245u + 12345u;
+        return (seed >> 16) & 0x7fff;
+    };
+    QStringList names;
+    for (int i = 0; i < 400; ++i) {
+        QString name;
+        const int length = 1 + int(next() % 8);
+        for (int c = 0; c < length; ++c)
+            name += alphabet.at(int(next() % alphabet.size()));
+        names << name;
+    }
+    for (const QString& a : names) {
+        for (const QString& b : names.mid(0, 60)) {
+            int byKey = QString::compare(FileSysOrder::SortKey(a), FileSysOrder::SortKey(b), Qt::CaseSensitive);
+            if (byKey == 0)
+                byKey = QString::compare(a, b, Qt::CaseSensitive);
+            const int byName = FileSysOrder::CompareNames(a, b);
+            ASSERT_EQ(byKey < 0, byName < 0) << a.toStdString() << " vs " << b.toStdString();
+            ASSERT_EQ(byKey > 0, byName > 0) << a.toStdString() << " vs " << b.toStdString();
+        }
+    }
+}
+
+} // namespace
