@@ -231,13 +231,25 @@ void CFileSysModel::Refresh(const QModelIndex& index, bool recursive)
     RefreshNode(NodeOf(index), recursive);
 }
 
+void CFileSysModel::Refresh(const QModelIndex& index, const std::vector<DirEntry>& entries, bool recursive)
+{
+    if (index.isValid())
+        RefreshNode(NodeOf(index), entries, recursive);
+}
+
 void CFileSysModel::RefreshNode(Node* node, bool recursive)
 {
     if (!node->filled || !node->folder)
         return;
     std::vector<DirEntry> entries;
-    const QString path = PathOf(node);
-    m_source->List(path, m_showHidden, entries);
+    m_source->List(PathOf(node), m_showHidden, entries);
+    RefreshNode(node, entries, recursive);
+}
+
+void CFileSysModel::RefreshNode(Node* node, const std::vector<DirEntry>& entries, bool recursive)
+{
+    if (!node->filled || !node->folder)
+        return;
     // A folder that has never shown children gets its button from what is there now.
     if (node->children.empty()) {
         const bool button = !entries.empty();
@@ -314,23 +326,49 @@ void CFileSysModel::RefreshNode(Node* node, bool recursive)
         }
     }
 
-    // Add what is new at the end in one step, then put everything in order.
+    // Add what is new where it belongs, in runs: names arriving together mostly sort
+    // together, so a burst of new files costs a few insertions, not a re-sort.
     std::vector<std::unique_ptr<Node>> added;
     for (const DirEntry& entry : entries) {
         if (!present.contains(entry.name))
             added.push_back(MakeChild(node, entry, true));
     }
-    if (!added.empty()) {
-        const int first = int(node->children.size());
-        beginInsertRows(parentIndex, first, first + int(added.size()) - 1);
+    if (reorder) {
+        // A child changed between file and folder: put everything in order again.
         for (auto& child : added)
             node->children.push_back(std::move(child));
-        Renumber(node, size_t(first));
-        endInsertRows();
-        reorder = true;
-    }
-    if (reorder)
+        added.clear();
         SortChildren(node);
+    }
+    if (!added.empty()) {
+        SortNodes(added);
+        auto& children = node->children;
+        // Where each new item goes among the children as they stand now.
+        std::vector<size_t> positions(added.size());
+        size_t from = 0;
+        for (size_t i = 0; i < added.size(); ++i) {
+            const Node* item = added[i].get();
+            const auto at = std::upper_bound(children.begin() + qsizetype(from), children.end(), item,
+                                             [](const Node* a, const std::unique_ptr<Node>& b) {
+                                                 return FileSysOrder::Less(a->folder, a->name, b->folder, b->name);
+                                             });
+            positions[i] = size_t(at - children.begin());
+            from = positions[i];
+        }
+        // Insert the runs from the last, so the positions before them still hold.
+        for (size_t end = added.size(); end > 0;) {
+            size_t begin = end - 1;
+            while (begin > 0 && positions[begin - 1] == positions[end - 1])
+                --begin;
+            const size_t at = positions[begin];
+            beginInsertRows(parentIndex, int(at), int(at + (end - begin)) - 1);
+            children.insert(children.begin() + qsizetype(at), std::make_move_iterator(added.begin() + qsizetype(begin)),
+                            std::make_move_iterator(added.begin() + qsizetype(end)));
+            Renumber(node, at);
+            endInsertRows();
+            end = begin;
+        }
+    }
 
     // The last child gone: the folder has nothing left to open.
     if (node->children.empty() && node->button) {

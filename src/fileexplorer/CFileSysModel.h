@@ -45,6 +45,8 @@ public:
     // otherwise; filled but collapsed child folders are emptied, to be read anew at
     // their next expand. An item that was never expanded or has no children is left.
     void Refresh(const QModelIndex& index, bool recursive);
+    // The same with the folder's entries already read (on another thread, say).
+    void Refresh(const QModelIndex& index, const std::vector<DirEntry>& entries, bool recursive);
 
     QString Path(const QModelIndex& index) const;
     bool IsFolder(const QModelIndex& index) const;
@@ -75,6 +77,7 @@ private:
     void SortChildren(Node* node);
     void Reset(Node* node);
     void RefreshNode(Node* node, bool recursive);
+    void RefreshNode(Node* node, const std::vector<DirEntry>& entries, bool recursive);
     static void Renumber(Node* node, size_t from = 0);
 
     std::unique_ptr<IDirectorySource> m_ownSource;

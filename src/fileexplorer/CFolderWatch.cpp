@@ -2,6 +2,9 @@
 
 #include "fileexplorer/CFileSysModel.h"
 
+#include <QPromise>
+#include <QThreadPool>
+
 CFolderWatch::CFolderWatch(CFileSysModel& model, QObject* parent)
     : QObject(parent)
     , m_model(model)
@@ -10,6 +13,12 @@ CFolderWatch::CFolderWatch(CFileSysModel& model, QObject* parent)
     m_timer.setInterval(150);
     connect(&m_timer, &QTimer::timeout, this, &CFolderWatch::RefreshNow);
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, &CFolderWatch::OnDirectoryChanged);
+    connect(&m_reading, &QFutureWatcher<Listing>::finished, this, &CFolderWatch::OnListingRead);
+}
+
+CFolderWatch::~CFolderWatch()
+{
+    m_reading.waitForFinished();
 }
 
 void CFolderWatch::OnSelectionChanged(const QModelIndex& current)
@@ -46,6 +55,10 @@ void CFolderWatch::Flush()
         m_timer.stop();
         RefreshNow();
     }
+    if (m_reading.isRunning()) {
+        m_reading.waitForFinished();
+        OnListingRead();
+    }
 }
 
 void CFolderWatch::Stop()
@@ -59,13 +72,44 @@ void CFolderWatch::Stop()
 
 void CFolderWatch::RefreshNow()
 {
-    if (!m_watchItem.isValid())
+    if (!m_watchItem.isValid() || m_watchedPath.isEmpty())
         return;
-    m_refreshing = true;
-    m_model.Refresh(m_watchItem, false);
-    m_refreshing = false;
-    // The watched folder itself may have gone (renamed or deleted from outside).
-    if (!m_watchItem.isValid())
-        Stop();
-    Q_EMIT refreshed();
+    if (m_reading.isRunning()) {
+        m_again = true;
+        return;
+    }
+    m_again = false;
+    const QString path = m_watchedPath;
+    const bool hidden = m_model.ShowHidden();
+    auto promise = std::make_shared<QPromise<Listing>>();
+    m_reading.setFuture(promise->future());
+    promise->start();
+    QThreadPool::globalInstance()->start([promise, path, hidden] {
+        Listing listing;
+        listing.path = path;
+        listing.ok = CLocalDirectorySource().List(path, hidden, listing.entries);
+        promise->addResult(std::move(listing));
+        promise->finish();
+    });
+}
+
+void CFolderWatch::OnListingRead()
+{
+    if (m_reading.future().resultCount() == 0)
+        return;
+    const Listing listing = m_reading.future().takeResult();
+    m_reading.setFuture(QFuture<Listing>());
+    // The watch may have moved on while the folder was read; then this is old news.
+    if (listing.path == m_watchedPath && m_watchItem.isValid()) {
+        m_refreshing = true;
+        m_model.Refresh(m_watchItem, listing.entries, false);
+        m_refreshing = false;
+        // The watched folder itself may have gone (renamed or deleted from outside).
+        if (!m_watchItem.isValid())
+            Stop();
+        Q_EMIT refreshed();
+    }
+    if (m_again && !m_timer.isActive())
+        m_timer.start();
+    m_again = false;
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "fileexplorer/DirectorySource.h"
+
 #include <QFileSystemWatcher>
+#include <QFutureWatcher>
 #include <QObject>
 #include <QPersistentModelIndex>
 #include <QTimer>
@@ -8,13 +11,15 @@
 class CFileSysModel;
 
 // Watches the folder of the selected item and refreshes it in the tree when names
-// change there. Everything runs on the interface thread: changes only start a short
-// timer, so a burst of them costs one refresh per interval.
+// change there. Changes only start a short timer, so a burst of them costs one
+// refresh per interval. The folder is read on a pool thread, which touches nothing
+// but the disk; the tree changes on the interface thread.
 class CFolderWatch : public QObject
 {
     Q_OBJECT
 public:
     explicit CFolderWatch(CFileSysModel& model, QObject* parent = nullptr);
+    ~CFolderWatch() override;
 
     // The selection moved: watch the item's folder (the item itself when it is one).
     // A selection change made by the refresh itself does not move the watch.
@@ -23,6 +28,8 @@ public:
     QString WatchedPath() const { return m_watchedPath; }
     QModelIndex WatchedItem() const { return m_watchItem; }
     bool IsRefreshing() const { return m_refreshing; }
+    // A listing of the watched folder is being read.
+    bool IsReading() const { return m_reading.isRunning(); }
 
     // Time from the first change of a burst to its refresh.
     void SetInterval(int milliseconds) { m_timer.setInterval(milliseconds); }
@@ -36,7 +43,15 @@ Q_SIGNALS:
 private:
     void OnDirectoryChanged();
     void RefreshNow();
+    void OnListingRead();
     void Watch(const QString& path);
+
+    struct Listing
+    {
+        QString path;
+        bool ok = false;
+        std::vector<DirEntry> entries;
+    };
 
     CFileSysModel& m_model;
     QFileSystemWatcher m_watcher;
@@ -44,4 +59,6 @@ private:
     QPersistentModelIndex m_watchItem;
     QString m_watchedPath;
     bool m_refreshing = false;
+    bool m_again = false; // changes came while a listing was read
+    QFutureWatcher<Listing> m_reading;
 };

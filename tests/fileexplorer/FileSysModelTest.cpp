@@ -197,6 +197,30 @@ TEST_F(FileSysModelTest, RefreshRemovesNeighboursThatWentTogetherAndAddsNewNames
                                          QStringLiteral("d")}));
 }
 
+TEST_F(FileSysModelTest, InterleavedArrivalsKeepTheOrderOfAFreshRead)
+{
+    for (int i = 0; i < 40; i += 4)
+        Touch(QStringLiteral("item%1").arg(i));
+    ShowRoot();
+    const int rounds[][3] = {{1, 40, 4}, {2, 40, 8}, {3, 60, 5}, {0, 2, 1}};
+    for (const auto& round : rounds) {
+        for (int i = round[0]; i < round[1]; i += round[2])
+            Touch(QStringLiteral("item%1").arg(i));
+        MakeDir(QStringLiteral("dir%1").arg(round[0]));
+        m_model->Refresh(Top(), false);
+
+        CFileSysModel fresh(&m_source, nullptr);
+        fresh.SetTopLevel({m_root});
+        fresh.Expand(fresh.index(0, 0));
+        ASSERT_EQ(Names(Top()), [&] {
+            QStringList names;
+            for (int row = 0; row < fresh.rowCount(fresh.index(0, 0)); ++row)
+                names << fresh.index(row, 0, fresh.index(0, 0)).data().toString();
+            return names;
+        }()) << "after round " << round[0];
+    }
+}
+
 TEST_F(FileSysModelTest, RefreshOfAnItemNeverExpandedReadsNothing)
 {
     MakeDir(QStringLiteral("closed"));
