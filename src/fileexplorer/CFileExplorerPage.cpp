@@ -1,5 +1,6 @@
 #include "fileexplorer/CFileExplorerPage.h"
 
+#include "explorer/CFileInfoDialog.h"
 #include "fileexplorer/CFileSysTreeCtrl.h"
 #include "framework/CommandIds.h"
 #include "settings/CRegistryStore.h"
@@ -47,6 +48,10 @@ CFileSysTreeCtrl* CFileExplorerPage::Tree()
     if (!m_tree) {
         m_tree = new CFileSysTreeCtrl(&m_shell);
         m_tree->SetShowHidden(m_showHidden);
+        m_tree->SetPropertiesHandler([](const QString& path, QWidget* parent) {
+            CFileInfoDialog dialog(path, parent);
+            dialog.exec();
+        });
     }
     return m_tree;
 }

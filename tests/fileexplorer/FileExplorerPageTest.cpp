@@ -213,6 +213,16 @@ TEST_F(FileExplorerPageTest, OnAFolderOnlyPropertiesDoesAnything)
     EXPECT_EQ(shown, m_root + QStringLiteral("/sub"));
 }
 
+TEST_F(FileExplorerPageTest, PropertiesShowsTheFilePropertiesDialogForFilesAndFolders)
+{
+    for (const char* item : {"notes.txt", "sub"}) {
+        m_tree->setCurrentIndex(Item(QString::fromLatin1(item)));
+        TestSupport::ModalAnswerer answerer;
+        m_tree->OnProperties();
+        EXPECT_EQ(answerer.Texts(), QStringList{QStringLiteral("File Properties")}) << item;
+    }
+}
+
 TEST_F(FileExplorerPageTest, AFileAppearingInTheSelectedItemsFolderShowsUp)
 {
     m_tree->expand(Item(QStringLiteral("sub")));
