@@ -243,7 +243,8 @@ void CSolutionBarTemplateTree::SetItemLabel(CTreeNode* item, const QString& text
 
 bool CSolutionBarTemplateTree::CanEditLabel(const CTreeNode* node) const
 {
-    return node && node->hasData && node != Root() && node->Parent();
+    // Where the tree only chooses (the new file dialog), nothing is renamed.
+    return m_insertOnDoubleClick && node && node->hasData && node != Root() && node->Parent();
 }
 
 void CSolutionBarTemplateTree::OnItemDropped(CTreeNode* dragged, CTreeNode* target)
@@ -439,4 +440,14 @@ void CSolutionBarTemplateTree::mousePressEvent(QMouseEvent* event)
         menu->setAttribute(Qt::WA_DeleteOnClose);
         menu->popup(viewport()->mapToGlobal(event->position().toPoint()));
     }
+}
+
+void CSolutionBarTemplateTree::mouseMoveEvent(QMouseEvent* event)
+{
+    // Where the tree only chooses, nothing is dragged.
+    if (!m_insertOnDoubleClick) {
+        QTreeView::mouseMoveEvent(event);
+        return;
+    }
+    CBaseTreeCtrl::mouseMoveEvent(event);
 }

@@ -83,6 +83,7 @@ Q_SIGNALS:
 protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
     CTreeNode* AddItem(CTreeNode* parent, const QString& name, const QString& path, bool folder);

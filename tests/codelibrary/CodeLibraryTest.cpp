@@ -22,6 +22,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
@@ -536,6 +537,18 @@ TEST_F(CodeLibraryTest, NewFromTemplateMakesADocumentHoldingTheTemplate)
         EXPECT_FALSE(dialog->OkButton()->isEnabled()) << "nothing chosen yet";
         CSolutionBarTemplateTree* tree = dialog->Tree();
         EXPECT_FALSE(tree->InsertOnDoubleClick());
+        EXPECT_FALSE(tree->CanEditLabel(tree->FindPath(At(QStringLiteral("C++/Main"))))) << "the chooser renames nothing";
+        // A drag with the mouse moves nothing here.
+        tree->expandAll();
+        QCoreApplication::processEvents();
+        const QPoint from = tree->NodeRect(tree->FindPath(At(QStringLiteral("loose")))).center();
+        const QPoint to = tree->NodeRect(tree->FindPath(At(QStringLiteral("Web")))).center();
+        QTest::mousePress(tree->viewport(), Qt::LeftButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, QPointF(to), tree->viewport()->mapToGlobal(QPointF(to)), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(tree->viewport(), &move);
+        QTest::mouseRelease(tree->viewport(), Qt::LeftButton, {}, to);
+        EXPECT_TRUE(QFileInfo::exists(At(QStringLiteral("loose"))));
         tree->SelectNode(tree->FindPath(At(QStringLiteral("C++/Guard"))));
         EXPECT_TRUE(dialog->OkButton()->isEnabled());
         chosen = dialog->SelectedPath();
