@@ -8,6 +8,7 @@
 #include "shell/CShellEvents.h"
 #include "shell/IShell.h"
 
+#include <QFileIconProvider>
 #include <QMainWindow>
 
 namespace {
@@ -30,7 +31,8 @@ CFileExplorerPage::~CFileExplorerPage()
 
 QIcon CFileExplorerPage::Icon() const
 {
-    return QIcon::fromTheme(QStringLiteral("folder"));
+    return QIcon::fromTheme(QStringLiteral("system-file-manager"),
+                            QFileIconProvider().icon(QAbstractFileIconProvider::Folder));
 }
 
 QWidget* CFileExplorerPage::Widget()
