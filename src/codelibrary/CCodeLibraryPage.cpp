@@ -11,6 +11,7 @@
 #include "shell/CCommandRegistry.h"
 #include "shell/IShell.h"
 
+#include <QFileIconProvider>
 #include <QMainWindow>
 
 CCodeLibraryPage::CCodeLibraryPage(IShell& shell)
@@ -27,7 +28,8 @@ CCodeLibraryPage::~CCodeLibraryPage()
 
 QIcon CCodeLibraryPage::Icon() const
 {
-    return QIcon::fromTheme(QStringLiteral("text-x-script"));
+    return QIcon::fromTheme(QStringLiteral("text-x-script"),
+                            QFileIconProvider().icon(QAbstractFileIconProvider::File));
 }
 
 QWidget* CCodeLibraryPage::Widget()
