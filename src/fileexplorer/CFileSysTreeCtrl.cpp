@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
@@ -266,14 +267,35 @@ void CFileSysTreeCtrl::mousePressEvent(QMouseEvent* event)
         QTreeView::mousePressEvent(event);
         return;
     }
+    // A right press selects, on the label only; the menu follows as the context menu.
     const QPoint pos = event->position().toPoint();
     const QModelIndex index = indexAt(pos);
-    if (!index.isValid() || !LabelRect(index).contains(pos))
-        return;
-    setCurrentIndex(index);
+    if (index.isValid() && LabelRect(index).contains(pos))
+        setCurrentIndex(index);
+    event->accept();
+}
+
+void CFileSysTreeCtrl::contextMenuEvent(QContextMenuEvent* event)
+{
+    // Taken here in every case, so the bar around the tree shows no menu of its own.
+    event->accept();
+    QModelIndex index;
+    QPoint at;
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        index = indexAt(event->pos());
+        if (!index.isValid() || !LabelRect(index).contains(event->pos()))
+            return;
+        setCurrentIndex(index);
+        at = event->globalPos();
+    } else {
+        index = currentIndex();
+        if (!index.isValid())
+            return;
+        at = viewport()->mapToGlobal(LabelRect(index).bottomLeft());
+    }
     QMenu* menu = CreateItemMenu();
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->popup(viewport()->mapToGlobal(pos));
+    menu->popup(at);
 }
 
 void CFileSysTreeCtrl::keyPressEvent(QKeyEvent* event)
@@ -282,12 +304,6 @@ void CFileSysTreeCtrl::keyPressEvent(QKeyEvent* event)
     if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && index.isValid()
         && !m_model->IsFolder(index)) {
         OnOpen();
-        return;
-    }
-    if (event->key() == Qt::Key_Menu && index.isValid()) {
-        QMenu* menu = CreateItemMenu();
-        menu->setAttribute(Qt::WA_DeleteOnClose);
-        menu->popup(viewport()->mapToGlobal(LabelRect(index).bottomLeft()));
         return;
     }
     QTreeView::keyPressEvent(event);

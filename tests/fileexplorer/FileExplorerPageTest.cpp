@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
@@ -189,6 +190,26 @@ TEST_F(FileExplorerPageTest, MenuCommandsActOnTheSelectedFile)
     m_tree->SetPropertiesHandler([&](const QString& path, QWidget*) { shown = path; });
     m_tree->OnProperties();
     EXPECT_EQ(shown, notes);
+}
+
+TEST_F(FileExplorerPageTest, ContextMenuShowsOnALabelAndNeverReachesTheBar)
+{
+    const QModelIndex notes = Item(QStringLiteral("notes.txt"));
+    const QPoint label = m_tree->LabelRect(notes).center();
+    QContextMenuEvent onLabel(QContextMenuEvent::Mouse, label, m_tree->viewport()->mapToGlobal(label));
+    QApplication::sendEvent(m_tree->viewport(), &onLabel);
+    EXPECT_TRUE(onLabel.isAccepted());
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->objectName(), QStringLiteral("FileExplorerItemMenu"));
+    EXPECT_EQ(m_tree->currentIndex(), notes);
+    menu->close();
+
+    const QPoint below(5, m_tree->viewport()->height() - 5);
+    QContextMenuEvent nowhere(QContextMenuEvent::Mouse, below, m_tree->viewport()->mapToGlobal(below));
+    QApplication::sendEvent(m_tree->viewport(), &nowhere);
+    EXPECT_TRUE(nowhere.isAccepted()) << "the bar's own menu must not show over the tree";
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
 TEST_F(FileExplorerPageTest, OnAFolderOnlyPropertiesDoesAnything)
