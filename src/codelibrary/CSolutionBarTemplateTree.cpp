@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QFileIconProvider>
 #include <QFileInfo>
@@ -428,17 +429,37 @@ void CSolutionBarTemplateTree::mouseDoubleClickEvent(QMouseEvent* event)
 
 void CSolutionBarTemplateTree::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::RightButton || !m_insertOnDoubleClick) {
+    if (event->button() != Qt::RightButton) {
         CBaseTreeCtrl::mousePressEvent(event);
         return;
     }
-    CTreeNode* item = NodeAt(event->position().toPoint());
-    if (!item)
+    // A right press selects the item; its menu follows as the context menu.
+    if (CTreeNode* item = NodeAt(event->position().toPoint()))
+        SelectNode(item);
+    event->accept();
+}
+
+void CSolutionBarTemplateTree::contextMenuEvent(QContextMenuEvent* event)
+{
+    // Taken here in every case, so the bar around the tree shows no menu of its own.
+    event->accept();
+    if (!m_insertOnDoubleClick)
         return;
-    SelectNode(item);
+    QPoint at;
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        CTreeNode* item = NodeAt(event->pos());
+        if (!item)
+            return;
+        SelectNode(item);
+        at = event->globalPos();
+    } else {
+        if (!SelectedNode())
+            return;
+        at = viewport()->mapToGlobal(NodeRect(SelectedNode()).bottomLeft());
+    }
     if (QMenu* menu = CreateItemMenu()) {
         menu->setAttribute(Qt::WA_DeleteOnClose);
-        menu->popup(viewport()->mapToGlobal(event->position().toPoint()));
+        menu->popup(at);
     }
 }
 

@@ -16,6 +16,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -252,6 +253,24 @@ TEST_F(CodeLibraryTest, CopyToClipboardKeepsTheMarker)
     Select(QStringLiteral("C++/Main"));
     m_tree->OnCopyToClipboard();
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("int main() { <%REPLACE%> }"));
+}
+
+TEST_F(CodeLibraryTest, ContextMenuOfAnItemAndNoneOfTheBar)
+{
+    const QPoint at = Centre(QStringLiteral("C++/Main"));
+    QContextMenuEvent onItem(QContextMenuEvent::Mouse, at, m_tree->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(m_tree->viewport(), &onItem);
+    EXPECT_TRUE(onItem.isAccepted());
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->objectName(), QStringLiteral("CodeLibraryTemplateMenu"));
+    EXPECT_EQ(m_tree->SelectedNode(), Node(QStringLiteral("C++/Main")));
+    menu->close();
+    const QPoint below(5, m_tree->viewport()->height() - 5);
+    QContextMenuEvent nowhere(QContextMenuEvent::Mouse, below, m_tree->viewport()->mapToGlobal(below));
+    QApplication::sendEvent(m_tree->viewport(), &nowhere);
+    EXPECT_TRUE(nowhere.isAccepted());
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
 TEST_F(CodeLibraryTest, MenusFollowTheKindOfItem)
