@@ -21,6 +21,10 @@ public:
     bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries) override
     {
         listed << path;
+        if (refused.contains(path)) {
+            entries.clear();
+            return false;
+        }
         return m_local.List(path, hidden, entries);
     }
     bool HasContent(const QString& path, bool hidden) override
@@ -30,6 +34,7 @@ public:
     }
     QStringList listed;
     QStringList looked;
+    QStringList refused; // read as if permission were denied
 
 private:
     CLocalDirectorySource m_local;
@@ -166,16 +171,25 @@ TEST_F(FileSysModelTest, LinksShowWhatTheyPointToAndDanglingOnesShowAsFiles)
 
 TEST_F(FileSysModelTest, UnreadableFolderStaysEmptyAndKeepsItsButton)
 {
-    if (geteuid() == 0)
-        GTEST_SKIP() << "permissions do not stop root";
     MakeDir(QStringLiteral("locked/sub"));
     ShowRoot();
-    ASSERT_TRUE(QFile::setPermissions(At(QStringLiteral("locked")), QFileDevice::Permissions()));
+    m_source.refused << At(QStringLiteral("locked"));
     const QModelIndex locked = Item(QStringLiteral("locked"));
     m_model->Expand(locked);
     m_model->Collapse(locked);
     EXPECT_EQ(m_model->rowCount(locked), 0);
     EXPECT_TRUE(m_model->hasChildren(locked));
+}
+
+TEST_F(FileSysModelTest, TheLocalSourceRefusesAFolderItMayNotRead)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "permissions do not stop root";
+    MakeDir(QStringLiteral("locked/sub"));
+    ASSERT_TRUE(QFile::setPermissions(At(QStringLiteral("locked")), QFileDevice::Permissions()));
+    std::vector<DirEntry> entries;
+    EXPECT_FALSE(CLocalDirectorySource().List(At(QStringLiteral("locked")), false, entries));
+    EXPECT_FALSE(CLocalDirectorySource().HasContent(At(QStringLiteral("locked")), false));
     QFile::setPermissions(At(QStringLiteral("locked")), QFileDevice::ReadOwner | QFileDevice::WriteOwner
                                                             | QFileDevice::ExeOwner);
 }
