@@ -66,6 +66,8 @@ double LongestStall(const std::function<bool()>& done, int timeoutMs, double& to
     tick.start();
     while (!done() && clock.elapsed() < timeoutMs)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    // The work that completed the tree ran after the last tick: count it too.
+    worst = std::max(worst, double(clock.nsecsElapsed() - last) / 1e6);
     totalMs = Ms(clock);
     return worst;
 }
@@ -146,6 +148,7 @@ int main(int argc, char** argv)
                     after == before + files ? "" : " [tree incomplete]");
     };
     std::printf("Watched folder receiving files at once:\n");
+    tree.collapse(tree.Model()->FindPath(big));
     burst(watched, QStringLiteral("new"), 10000);
     burst(big, QStringLiteral("more"), 10000);
     return 0;
