@@ -3,6 +3,7 @@
 #include "backup/CBackupManager.h"
 #include "compare/CCompareCommands.h"
 #include "editor/CEditorCommands.h"
+#include "fileexplorer/CFileExplorerPage.h"
 #include "framework/CommandIds.h"
 #include "hex/HexInstall.h"
 #include "search/SearchInstall.h"
@@ -13,6 +14,10 @@
 #include "tools/COutputBarCommands.h"
 
 #include <QCoreApplication>
+
+#ifdef MORVANE_CODE_LIBRARY_PAGE
+#include "codelibrary/CCodeLibraryPage.h"
+#endif
 
 namespace {
 
@@ -55,5 +60,9 @@ void InstallSubsystems(IShell& shell)
     InstallOutputBar(shell);
     InstallCompare(shell);
     InstallVersions(shell);
+    InstallFileExplorer(shell);
+#ifdef MORVANE_CODE_LIBRARY_PAGE
+    InstallCodeLibrary(shell);
+#endif
     ReservePlaces(shell);
 }

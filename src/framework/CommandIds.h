@@ -109,6 +109,9 @@ enum Id : int {
     CompareIgnoreWhitespace = 36408,
     CompareIgnoreCase = 36409,
     BackupManager = 36410,
+    // File explorer page (tool strip)
+    RefreshFileSystemView = 6011,
+    FileExplorerShowHidden = 36600,
 };
 
 } // namespace Cmd
