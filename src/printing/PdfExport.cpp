@@ -28,7 +28,10 @@ bool Write(QsciScintillaBase& editor, const PrintOptions& options, const QString
 
     bool ok = false;
     {
-        QPrinter printer(QPrinter::HighResolution);
+        // 300 dots an inch places text finely enough; the engine's full resolution
+        // only makes every page slower to lay out.
+        QPrinter printer(QPrinter::ScreenResolution);
+        printer.setResolution(300);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(temp.fileName());
         printer.setPageSize(QPageSize(options.metric ? QPageSize::A4 : QPageSize::Letter));

@@ -3,6 +3,7 @@
 #include "CPrintJob.h"
 #include "PdfExport.h"
 #include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
 #include "framework/CDocument.h"
