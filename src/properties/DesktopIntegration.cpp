@@ -36,8 +36,12 @@ bool WriteFile(const QString& path, const QString& text, QString* error)
 void Refresh(const QString& folder, const char* tool)
 {
     const QString program = QStandardPaths::findExecutable(QString::fromLatin1(tool));
-    if (!program.isEmpty())
-        QProcess::startDetached(program, {folder});
+    if (program.isEmpty())
+        return;
+    // Quick tools; waiting for them keeps the caches whole when the program ends soon.
+    QProcess process;
+    process.start(program, {folder});
+    process.waitForFinished(5000);
 }
 
 // A path in an Exec line: quoted when it holds anything the format treats specially.
