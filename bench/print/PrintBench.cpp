@@ -1,5 +1,5 @@
 // Laying out and writing a large coloured C file as printed pages:
-//   morvane_bench_print [megabytes]     (default 10 MB, about 200,000 lines)
+//   morvane_bench_print [megabytes [kept.pdf]]     (default 10 MB, about 200,000 lines)
 #include "printing/CPrintJob.h"
 #include "printing/PdfExport.h"
 #include "syntax/CSyntaxParserList.h"
@@ -24,13 +24,13 @@ QByteArray MakeC(qint64 bytes, int& lines)
         "/* Copy the buffer, counting what was moved. */\n",
         "static int copy_block(char *dst, const char *src, size_t n)\n",
         "{\n",
-        "    int moved = 0;\n",
+        "    int moved = 0; /* bytes moved so far, for the caller */\n",
         "    for (size_t i = 0; i < n; ++i) { dst[i] = src[i]; moved += 1; }\n",
         "    if (moved != (int)n) return -1; // short copy\n",
         "    printf(\"%d bytes\\n\", moved);\n",
-        "    return moved;\n",
+        "    return moved; /* the caller checks this against n */\n",
         "}\n",
-        "\n",
+        "/* ---------------------------------------------------------- */\n",
     };
     QByteArray text;
     text.reserve(bytes + 100);
@@ -47,9 +47,9 @@ QByteArray MakeC(qint64 bytes, int& lines)
 int main(int argc, char** argv)
 {
     QApplication app(argc, argv);
-    const qint64 megabytes = argc > 1 ? QByteArray(argv[1]).toLongLong() : 10;
+    const double megabytes = argc > 1 ? QByteArray(argv[1]).toDouble() : 10;
     int lines = 0;
-    const QByteArray text = MakeC(megabytes * 1024 * 1024, lines);
+    const QByteArray text = MakeC(qint64(megabytes * 1024 * 1024), lines);
 
     QsciScintillaBase control;
     CSyntaxParserList parsers(QStringLiteral(MORVANE_SHIPPED_SYNTAX));
@@ -88,7 +88,7 @@ int main(int argc, char** argv)
         painter.end();
     }
     {
-        const QString path = dir.filePath(QStringLiteral("big.pdf"));
+        const QString path = argc > 2 ? QString::fromLocal8Bit(argv[2]) : dir.filePath(QStringLiteral("big.pdf"));
         int reports = 0;
         timer.restart();
         const bool ok = PdfExport::Write(control, options, QStringLiteral("/tmp/big.c"), path,

@@ -41,8 +41,13 @@ bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress)
 {
     if (m_savedMarginWidth < 0) {
         m_savedMarginWidth = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL));
+        m_savedMarginType = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINTYPEN, 1UL));
         int width = 0;
         if (m_options.lineNumbers) {
+            // Only a number margin prints; margin 1 is the view's, but a bare control
+            // has symbols there.
+            m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL,
+                                   long(QsciScintillaBase::SC_MARGIN_NUMBER));
             const long lines = m_editor.SendScintilla(QsciScintillaBase::SCI_GETLINECOUNT);
             const QByteArray sample = "_" + QByteArray(QByteArray::number(qlonglong(lines)).size(), '9');
             width = int(m_editor.SendScintilla(QsciScintillaBase::SCI_TEXTWIDTH,
@@ -122,6 +127,7 @@ void CPrintJob::OnEndPrinting()
     if (m_savedMarginWidth < 0)
         return;
     m_editor.SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, 0UL, 0L);
+    m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL, long(m_savedMarginType));
     m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINWIDTHN, 1UL, long(m_savedMarginWidth));
     m_savedMarginWidth = -1;
     m_pageStarts.clear();

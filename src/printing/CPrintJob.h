@@ -76,4 +76,5 @@ private:
     PrintLayout::PageRects m_rects;
     QList<long> m_pageStarts;
     int m_savedMarginWidth = -1;
+    int m_savedMarginType = 0;
 };

@@ -52,7 +52,6 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(m_dir.isValid());
-        m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL, long(QsciScintillaBase::SC_MARGIN_NUMBER));
         m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINWIDTHN, 1UL, 7L);
     }
     void SetText(const QByteArray& text)
@@ -193,6 +192,7 @@ TEST_F(PrintJobTest, TheLineNumberMarginIsPrintedOnlyWhenAskedAndPutBackAfter)
         const QString path = Pdf(QStringLiteral("numbers%1.pdf").arg(numbers));
         ASSERT_TRUE(PdfExport::Write(m_editor, options, QStringLiteral("n"), path));
         EXPECT_EQ(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL), 7);
+        EXPECT_EQ(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINTYPEN, 1UL), QsciScintillaBase::SC_MARGIN_SYMBOL);
         // With numbers each line begins with its number before the text.
         const QString layout = PdfToText(path, true);
         static const QRegularExpression numbered(QStringLiteral("(?m)^\\s*17\\s+row 00017"));
