@@ -3,6 +3,7 @@
 #include "HelpLocator.h"
 
 #include <QHelpContentWidget>
+#include <QHelpContentModel>
 #include <QHelpEngine>
 #include <QHelpIndexWidget>
 #include <QHelpLink>
@@ -49,6 +50,9 @@ CHelpWindow::CHelpWindow(const QString& collection, QWidget* parent)
     QHelpContentWidget* contents = m_engine->contentWidget();
     connect(contents, &QHelpContentWidget::linkActivated, m_browser, [this](const QUrl& url) { m_browser->setSource(url); });
     m_tabs->addTab(contents, tr("&Contents"));
+    connect(m_engine->contentModel(), &QHelpContentModel::contentsCreated, contents, [contents] {
+        contents->expandToDepth(0);
+    });
 
     // Index with a filter line.
     auto* indexPage = new QWidget(m_tabs);

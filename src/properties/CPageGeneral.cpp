@@ -48,7 +48,9 @@ CPageGeneral::CPageGeneral(IShell& shell, QWidget* parent)
     tabRow->addWidget(m_tabAsSpaces);
     tabRow->addWidget(m_tabGuides);
     tabRow->addStretch();
-    tabRow->addWidget(new QLabel(tr("Tab &width:"), tabs));
+    auto* tabWidthLabel = new QLabel(tr("Tab &width:"), tabs);
+    tabWidthLabel->setBuddy(m_tabWidth);
+    tabRow->addWidget(tabWidthLabel);
     tabRow->addWidget(m_tabWidth);
     layout->addWidget(tabs);
 
