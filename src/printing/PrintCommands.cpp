@@ -27,6 +27,7 @@
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QProgressDialog>
+#include <QScopeGuard>
 
 namespace {
 
@@ -98,6 +99,12 @@ public:
 
     bool Run(QPrinter& printer, CScrivelFrame* frame, bool selectionOnly)
     {
+        // The progress window lets events through; a preview that asks to be painted
+        // again meanwhile (a zoom) waits for this run instead of starting a second one.
+        if (m_running)
+            return false;
+        m_running = true;
+        const auto done = qScopeGuard([this] { m_running = false; });
         CMFCScintilla* editor = frame->GetView()->GetEditor();
         CPrintJob job(*editor, Options(), HeaderName(frame));
         if (selectionOnly && editor->HasSelection())
@@ -200,6 +207,7 @@ public:
 private:
     IShell& m_shell;
     std::unique_ptr<QPrinter> m_printer;
+    bool m_running = false;
 };
 
 } // namespace
