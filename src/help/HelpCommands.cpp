@@ -39,11 +39,12 @@ public:
     {
         CHelpWindow* window = Window();
         window->ShowTab(tab);
-        if (!page.isEmpty())
-            window->ShowPage(page);
+        // Shown first: a hidden browser has no layout to scroll to an anchor in.
         window->show();
         window->raise();
         window->activateWindow();
+        if (!page.isEmpty())
+            window->ShowPage(page);
     }
 
     void ShowContext()
