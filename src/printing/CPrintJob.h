@@ -4,6 +4,7 @@
 
 #include <QFont>
 #include <QList>
+#include <QPageSize>
 #include <QString>
 
 #include <functional>
@@ -22,6 +23,8 @@ struct PrintOptions
     PrintLayout::Margins margins;
     QString fontFace = QStringLiteral("Courier New");
     int fontSize = 10;
+    // The paper of an export; invalid: A4, or Letter where the locale measures in inches.
+    QPageSize paper;
 };
 
 // One print run of an editing control: lays out every page with the control's own

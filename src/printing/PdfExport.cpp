@@ -34,7 +34,8 @@ bool Write(QsciScintillaBase& editor, const PrintOptions& options, const QString
         printer.setResolution(300);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(temp.fileName());
-        printer.setPageSize(QPageSize(options.metric ? QPageSize::A4 : QPageSize::Letter));
+        printer.setPageSize(options.paper.isValid() ? options.paper
+                                                    : QPageSize(options.metric ? QPageSize::A4 : QPageSize::Letter));
         printer.setPageMargins(QMarginsF(0, 0, 0, 0));
         printer.setDocName(headerName);
         printer.setCreator(QCoreApplication::applicationName());

@@ -49,7 +49,7 @@ public:
         return *m_printer;
     }
 
-    PrintOptions Options() const
+    PrintOptions Options()
     {
         const MainFrameSettings& settings = m_shell.Settings();
         PrintOptions options;
@@ -61,6 +61,9 @@ public:
                            settings.PrintMargins[2], settings.PrintMargins[3]};
         options.fontFace = settings.view.FontStyle;
         options.fontSize = settings.view.FontSize;
+        // An export uses the paper chosen in the page setup, once there is one.
+        if (m_printer)
+            options.paper = m_printer->pageLayout().pageSize();
         return options;
     }
 

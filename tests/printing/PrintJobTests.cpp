@@ -220,6 +220,25 @@ TEST_F(PrintJobTest, ACancelledExportLeavesTheOldFileAlone)
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("keep.pdf")});
 }
 
+TEST_F(PrintJobTest, AnExportUsesTheChosenPaper)
+{
+    SetText(NumberedLines(10));
+    struct Case { QPageSize paper; bool metric; const char* size; };
+    for (const Case& c : {Case{QPageSize(), true, "595 x 842"}, Case{QPageSize(), false, "612 x 792"},
+                          Case{QPageSize(QPageSize::A5), false, "420 x 595"}}) {
+        PrintOptions options;
+        options.paper = c.paper;
+        options.metric = c.metric;
+        const QString path = Pdf(QStringLiteral("paper.pdf"));
+        ASSERT_TRUE(PdfExport::Write(m_editor, options, QStringLiteral("p"), path));
+        QProcess info;
+        info.start(QStandardPaths::findExecutable(QStringLiteral("pdfinfo")), {path});
+        info.waitForFinished(30000);
+        const QString text = QString::fromUtf8(info.readAllStandardOutput());
+        EXPECT_TRUE(text.contains(QLatin1String(c.size))) << c.size << "\n" << text.toStdString();
+    }
+}
+
 TEST_F(PrintJobTest, AnExportIntoAMissingFolderFailsWithAReason)
 {
     SetText(NumberedLines(3));
