@@ -6,6 +6,8 @@
 #include <QPaintDevice>
 #include <QPrinter>
 
+#include <climits>
+
 CPrintJob::CPrintJob(QsciScintillaBase& editor, const PrintOptions& options,
                      const QString& headerName)
     : m_editor(editor), m_options(options), m_headerName(headerName)
@@ -37,7 +39,7 @@ void CPrintJob::ComputeRects(QPainter& painter)
                                         2 * m_lineHeight, m_options.header, m_options.footer);
 }
 
-bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress)
+bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress, bool layOutAll)
 {
     if (m_savedMarginWidth < 0) {
         m_savedMarginWidth = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL));
@@ -78,6 +80,10 @@ bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress)
     }
     m_rangeEnd = end;
     const long start = qMin(m_rangeStart, end);
+    if (!layOutAll) {
+        m_pageStarts = {start};
+        return true;
+    }
     bool cancelled = false;
     m_pageStarts = PrintLayout::Paginate(
         start, end, [&](long position) { return FormatPage(painter, position, false); },
@@ -95,10 +101,10 @@ long CPrintJob::FormatPage(QPainter& painter, long start, bool draw) const
                                   m_rects.text, start, m_rangeEnd);
 }
 
-void CPrintJob::PrintPage(QPainter& painter, int page)
+long CPrintJob::PrintPage(QPainter& painter, int page)
 {
     if (page < 1 || page > m_pageStarts.size())
-        return;
+        return -1;
     ComputeRects(painter);
     painter.save();
     painter.setFont(m_font);
@@ -119,7 +125,7 @@ void CPrintJob::PrintPage(QPainter& painter, int page)
         painter.drawLine(m_rects.footer.left(), y, m_rects.footer.right(), y);
     }
     painter.restore();
-    FormatPage(painter, m_pageStarts.at(page - 1), true);
+    return FormatPage(painter, m_pageStarts.at(page - 1), true);
 }
 
 void CPrintJob::OnEndPrinting()
@@ -138,25 +144,36 @@ bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
     QPainter painter;
     if (!painter.begin(&printer))
         return false;
-    if (!OnBeginPrinting(painter, progress)) {
+    // Only a page range needs the pages counted first; a whole run lays out each page
+    // once, as it draws it.
+    const bool ranged = printer.printRange() == QPrinter::PageRange && printer.fromPage() > 0;
+    if (!OnBeginPrinting(painter, progress, ranged)) {
         painter.end();
+        OnEndPrinting();
         return false;
     }
+    const long start = m_pageStarts.front();
+    const long total = m_rangeEnd - start;
     int first = 1;
-    int last = PageCount();
-    if (printer.printRange() == QPrinter::PageRange && printer.fromPage() > 0) {
+    int last = ranged ? PageCount() : INT_MAX;
+    if (ranged) {
         first = qBound(1, printer.fromPage(), last);
         last = printer.toPage() > 0 ? qBound(first, printer.toPage(), last) : last;
     }
     bool ok = true;
     for (int page = first; page <= last; ++page) {
-        if (progress && !progress(1, page - first, last - first + 1)) {
+        if (progress && !progress(1, m_pageStarts.at(page - 1) - start, total)) {
             ok = false;
             break;
         }
         if (page > first)
             printer.newPage();
-        PrintPage(painter, page);
+        const long next = PrintPage(painter, page);
+        if (!ranged) {
+            if (next <= m_pageStarts.at(page - 1) || next >= m_rangeEnd)
+                break;
+            m_pageStarts << next;
+        }
     }
     painter.end();
     OnEndPrinting();

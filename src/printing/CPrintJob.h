@@ -34,8 +34,8 @@ struct PrintOptions
 class CPrintJob
 {
 public:
-    // Reports progress: `phase` 0 while laying out (done and total in bytes), 1 while
-    // drawing (in pages). Returning false cancels.
+    // Reports progress in bytes of the text: `phase` 0 while laying out, 1 while
+    // drawing. Returning false cancels.
     using Progress = std::function<bool(int phase, qint64 done, qint64 total)>;
 
     CPrintJob(QsciScintillaBase& editor, const PrintOptions& options, const QString& headerName);
@@ -45,15 +45,16 @@ public:
     void SetRange(long start, long end);
 
     // On a painter that is active on the target device: sets the margin, measures the
-    // font and lays out all pages. False when cancelled.
-    bool OnBeginPrinting(QPainter& painter, const Progress& progress = {});
+    // font and lays out all pages (or, without `layOutAll`, only knows the first page's
+    // start). False when cancelled.
+    bool OnBeginPrinting(QPainter& painter, const Progress& progress = {}, bool layOutAll = true);
     int PageCount() const { return int(m_pageStarts.size()); }
     const QList<long>& PageStarts() const { return m_pageStarts; }
     int LineHeight() const { return m_lineHeight; }
     int LinesPerPage() const { return m_linesPerPage; }
     const PrintLayout::PageRects& Rects() const { return m_rects; }
-    // Draws page `page` (from 1) onto the painter.
-    void PrintPage(QPainter& painter, int page);
+    // Draws page `page` (from 1) onto the painter; returns where the next page starts.
+    long PrintPage(QPainter& painter, int page);
     // Frees the control's layout cache and puts the line-number margin back.
     void OnEndPrinting();
 

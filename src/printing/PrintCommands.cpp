@@ -90,8 +90,7 @@ public:
                 return !dialog.wasCanceled();
             timer->restart();
             const int scaled = total > 0 ? int(done * 1000 / total) : 0;
-            dialog.setLabelText(phase == 0 ? tr("Laying out pages...")
-                                           : tr("Printing page %1 of %2...").arg(done + 1).arg(total));
+            dialog.setLabelText(phase == 0 ? tr("Laying out pages...") : tr("Printing..."));
             dialog.setMaximum(1000);
             dialog.setValue(scaled);
             m_shell.Progress().SetProgress(scaled);

@@ -220,6 +220,33 @@ TEST_F(PrintJobTest, ACancelledExportLeavesTheOldFileAlone)
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("keep.pdf")});
 }
 
+TEST_F(PrintJobTest, APageRangePrintsThoseLaidOutPagesOnly)
+{
+    SetText(NumberedLines(400));
+    PrintOptions options;
+    options.footer = true;
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setResolution(300); // as the export below, so that both break pages alike
+    printer.setOutputFileName(Pdf(QStringLiteral("range.pdf")));
+    printer.setPageMargins(QMarginsF(0, 0, 0, 0));
+    printer.setPrintRange(QPrinter::PageRange);
+    printer.setFromTo(2, 3);
+    CPrintJob job(m_editor, options, QStringLiteral("r"));
+    ASSERT_TRUE(job.Print(printer));
+    const QStringList pages = Pages(PdfToText(Pdf(QStringLiteral("range.pdf"))));
+    ASSERT_EQ(pages.size(), 2);
+    EXPECT_TRUE(pages[0].contains(QStringLiteral("Page 2")));
+    EXPECT_TRUE(pages[1].contains(QStringLiteral("Page 3")));
+    EXPECT_FALSE(pages[0].contains(QStringLiteral("row 00001 ")));
+    // Page 2 begins where page 1 of a whole run ends.
+    ASSERT_TRUE(PdfExport::Write(m_editor, options, QStringLiteral("r"), Pdf(QStringLiteral("whole.pdf"))));
+    const QStringList whole = Pages(PdfToText(Pdf(QStringLiteral("whole.pdf"))));
+    ASSERT_GE(whole.size(), 3);
+    static const QRegularExpression row(QStringLiteral("row (\\d{5})"));
+    EXPECT_EQ(row.match(pages[0]).captured(1), row.match(whole[1]).captured(1));
+}
+
 TEST_F(PrintJobTest, AnExportUsesTheChosenPaper)
 {
     SetText(NumberedLines(10));
