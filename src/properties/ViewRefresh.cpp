@@ -6,6 +6,7 @@
 #include "settings/MainFrameSettings.h"
 #include "shell/CShellEvents.h"
 #include "shell/IShell.h"
+#include "syntax/CSyntaxCommands.h"
 #include "syntax/CSyntaxParserList.h"
 
 namespace ViewRefresh {
@@ -39,6 +40,9 @@ void ApplyParsers(IShell& shell, const CSyntaxParserList& parsers)
         frame->SetParser(index, parser);
         frame->GetView()->ApplyParser(parser);
     }
+    // The program's own list, which View As and new documents choose from.
+    if (CSyntaxCommands* syntax = CSyntaxCommands::Of(shell))
+        syntax->Parsers().Load();
     Q_EMIT shell.Events().syntaxDefinitionsChanged();
 }
 
