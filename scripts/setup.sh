@@ -8,7 +8,8 @@ build="${MORVANE_BUILD_DIR:-$here/build}"
 
 packages=(build-essential cmake ninja-build pkg-config ccache
           qt6-base-dev qt6-base-dev-tools libgl-dev libqscintilla2-qt6-dev
-          libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev)
+          libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
+          qt6-tools-dev qt6-tools-dev-tools poppler-utils)
 
 missing=()
 for p in "${packages[@]}"; do

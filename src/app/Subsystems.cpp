@@ -5,7 +5,10 @@
 #include "editor/CEditorCommands.h"
 #include "fileexplorer/CFileExplorerPage.h"
 #include "framework/CommandIds.h"
+#include "help/HelpCommands.h"
 #include "hex/HexInstall.h"
+#include "printing/PrintCommands.h"
+#include "properties/PropertiesCommands.h"
 #include "search/SearchInstall.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
@@ -35,18 +38,6 @@ void ReservePlaces(IShell& shell)
     commands.Register({.id = Cmd::FileNewFromTemplate, .text = Tr("F&rom Template"),
                        .category = Tr("File"), .placeholder = true});
     menus.AddCommand(MenuId::FileNew, MenuGroup::Default, Cmd::FileNewFromTemplate);
-
-    commands.Register({.id = Cmd::FilePrint, .text = Tr("&Print..."), .category = Tr("File"),
-                       .shortcut = QKeySequence(QKeySequence::Print),
-                       .iconName = QStringLiteral("document-print"), .placeholder = true});
-    commands.Register({.id = Cmd::FilePrintPreview, .text = Tr("Print Pre&view"),
-                       .category = Tr("File"), .iconName = QStringLiteral("document-print-preview"),
-                       .placeholder = true});
-    commands.Register({.id = Cmd::FilePrintDirect, .text = Tr("Print &Direct"),
-                       .category = Tr("File"), .placeholder = true});
-    for (const int id : {int(Cmd::FilePrint), int(Cmd::FilePrintPreview), int(Cmd::FilePrintDirect)})
-        menus.AddCommand(MenuId::File, MenuGroup::FilePrint, id);
-    menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Print, Cmd::FilePrint);
 }
 
 } // namespace
@@ -64,5 +55,8 @@ void InstallSubsystems(IShell& shell)
 #ifdef MORVANE_CODE_LIBRARY_PAGE
     InstallCodeLibrary(shell);
 #endif
+    InstallPrinting(shell);
+    InstallProperties(shell);
+    InstallHelp(shell);
     ReservePlaces(shell);
 }

@@ -1,5 +1,7 @@
 #include "CFileDialogEx.h"
 
+#include "properties/FileFilterStore.h"
+
 #include "TextEncoding.h"
 #include "settings/CRegistryStore.h"
 
@@ -148,22 +150,6 @@ QString CFileDialogEx::ExtensionOfFilter(const QString& filter)
 
 QStringList CFileDialogEx::BuildFilters()
 {
-    QMap<QString, int> names;
-    CRegistryStore machine(CRegistryStore::LocalMachine);
-    machine.EnumValues(QStringLiteral("FileFilter"), names);
-    QStringList filters;
-    for (auto it = names.cbegin(); it != names.cend(); ++it) {
-        const QString label = machine.GetProfileString(QStringLiteral("FileFilter"), it.key());
-        QString patterns = it.key();
-        patterns.replace(QLatin1Char(';'), QLatin1Char(' '));
-        filters << QStringLiteral("%1 (%2)").arg(label.isEmpty() ? patterns : label, patterns);
-    }
-    if (filters.isEmpty()) {
-        filters << tr("All Files (*)")
-                << tr("Text Files (*.txt)")
-                << tr("C/C++ Files (*.c *.cpp *.cc *.cxx *.h *.hpp *.hxx)")
-                << tr("Web Files (*.html *.htm *.css *.js *.ts *.json *.xml)")
-                << tr("Script Files (*.py *.rb *.pl *.php *.sh *.lua *.ps1 *.bat *.cmd)");
-    }
-    return filters;
+    // The File Filters page edits this list; the machine's filters come first.
+    return FileFilterStore::DialogFilters(FileFilterStore::Load());
 }

@@ -18,6 +18,8 @@ enum Id : int {
     FilePrint = 57607,
     FilePrintDirect = 57608,
     FilePrintPreview = 57609,
+    FilePageSetup = 57606,
+    FileExportPdf = 36800,
     FileMruFirst = 57616, // four entries
     AppExit = 57665,
     AppAbout = 57664,
@@ -95,6 +97,10 @@ enum Id : int {
     CheckForUpdates = 250,
     HelpTopics = 32827,
     HelpContents = 32828,
+    HelpIndex = 57666,
+    HelpSearch = 32830,
+    HelpContext = 57670, // F1: the page of the window or dialog in front
+    DocumentProperties = 38806,
     DocumentHistory = 7500,
 
     // File versions and compare

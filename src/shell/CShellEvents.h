@@ -35,6 +35,13 @@ Q_SIGNALS:
     // Every document has been saved or let go; the program is about to end.
     void aboutToQuit();
 
+    // The properties sheet changed settings in IShell::Settings(): whoever shows them
+    // (check marks, toolbar images) refreshes. The sheet itself re-applies the views.
+    void viewSettingsChanged();
+    // Syntax definition files were rewritten on disk: the holder of the parser list
+    // reloads it, so that later choices (View As) see the new colours.
+    void syntaxDefinitionsChanged();
+
     // Pages announced by the subsystems that own them, for the bars that host them.
     void outputPageAdded(IOutputPage* page);
     void showOutputPage(IOutputPage* page);

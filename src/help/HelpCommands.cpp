@@ -1,0 +1,111 @@
+#include "HelpCommands.h"
+
+#include "CHelpWindow.h"
+#include "HelpLocator.h"
+#include "framework/CommandIds.h"
+#include "shell/CCommandRegistry.h"
+#include "shell/CMenuPlaces.h"
+#include "shell/IShell.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
+
+namespace {
+
+// Opens the one help window on demand, and answers F1 wherever it is pressed: in a
+// modal dialog the main window's shortcuts don't reach, so an application filter does.
+class CHelpCommands : public QObject
+{
+public:
+    explicit CHelpCommands(IShell& shell) : QObject(shell.Window()), m_shell(shell)
+    {
+        qApp->installEventFilter(this);
+    }
+
+    CHelpWindow* Window()
+    {
+        if (!m_window) {
+            m_window = new CHelpWindow(HelpLocator::UserCollection(), m_shell.Window());
+            m_window->setAttribute(Qt::WA_DeleteOnClose, false);
+            m_shell.AddModelessWindow(m_window);
+        }
+        return m_window;
+    }
+
+    void Show(CHelpWindow::Tab tab, const QString& page = QString())
+    {
+        CHelpWindow* window = Window();
+        window->ShowTab(tab);
+        // Shown first: a hidden browser has no layout to scroll to an anchor in.
+        window->show();
+        window->raise();
+        window->activateWindow();
+        if (!page.isEmpty())
+            window->ShowPage(page);
+    }
+
+    void ShowContext()
+    {
+        QWidget* window = QApplication::activeModalWidget();
+        if (!window)
+            window = QApplication::activeWindow();
+        if (window == m_window)
+            return;
+        Show(CHelpWindow::Contents, HelpLocator::PageFor(window, QApplication::focusWidget()));
+    }
+
+    static void About(QWidget* parent)
+    {
+        QMessageBox::about(parent, QObject::tr("About Morvane"),
+                           QObject::tr("<h3>Morvane %1</h3><p>A programmer's text editor.</p>"
+                                       "<p>Built with Qt %2 and QScintilla.</p>")
+                               .arg(QCoreApplication::applicationVersion(), QString::fromLatin1(qVersion())));
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1
+            && static_cast<QKeyEvent*>(event)->modifiers() == Qt::NoModifier && watched->isWidgetType()) {
+            ShowContext();
+            return true;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    IShell& m_shell;
+    QPointer<CHelpWindow> m_window;
+};
+
+} // namespace
+
+void InstallHelp(IShell& shell)
+{
+    auto* help = new CHelpCommands(shell);
+    const QString category = QCoreApplication::translate("Help", "Help");
+    auto add = [&](int id, const char* text, const char* icon, std::function<void()> run, bool inMenu,
+                   const char* group = MenuGroup::HelpContents) {
+        if (shell.Commands().Contains(id))
+            return;
+        CommandSpec spec;
+        spec.id = id;
+        spec.text = QCoreApplication::translate("Help", text);
+        spec.category = category;
+        spec.iconName = QString::fromLatin1(icon);
+        spec.run = std::move(run);
+        shell.Commands().Register(spec);
+        if (inMenu)
+            shell.Menus().AddCommand(MenuId::Help, QString::fromLatin1(group), id);
+    };
+    add(Cmd::HelpContents, "&Contents", "help-contents", [help] { help->Show(CHelpWindow::Contents, QStringLiteral("index.html")); }, true);
+    add(Cmd::HelpTopics, "&Help Topics", "help-contents", [help] { help->Show(CHelpWindow::Contents, QStringLiteral("index.html")); }, false);
+    add(Cmd::HelpIndex, "&Index", "help-contents", [help] { help->Show(CHelpWindow::Index); }, false);
+    add(Cmd::HelpSearch, "&Search", "system-search", [help] { help->Show(CHelpWindow::Search); }, false);
+    add(Cmd::HelpContext, "Help for This &Window\tF1", "help-contextual", [help] { help->ShowContext(); }, true);
+    add(Cmd::AppAbout, "&About Morvane...", "help-about", [&shell] { CHelpCommands::About(shell.Window()); }, true,
+        MenuGroup::HelpAbout);
+}

@@ -1,0 +1,141 @@
+#include "DesktopIntegration.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+namespace DesktopIntegration {
+
+namespace {
+
+QString DataHome()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+}
+
+bool WriteFile(const QString& path, const QString& text, QString* error)
+{
+    if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
+        if (error)
+            *error = QStringLiteral("Cannot create the folder \"%1\"").arg(QFileInfo(path).absolutePath());
+        return false;
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit()) {
+        if (error)
+            *error = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+// The desktop's caches; without the tools the files are still found at the next login.
+void Refresh(const QString& folder, const char* tool)
+{
+    const QString program = QStandardPaths::findExecutable(QString::fromLatin1(tool));
+    if (program.isEmpty())
+        return;
+    // Quick tools; waiting for them keeps the caches whole when the program ends soon.
+    QProcess process;
+    process.start(program, {folder});
+    process.waitForFinished(5000);
+}
+
+// A path in an Exec line: quoted when it holds anything the format treats specially.
+QString ExecArgument(const QString& path)
+{
+    static const QString special = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`");
+    bool quote = false;
+    for (const QChar c : path)
+        quote = quote || special.contains(c);
+    if (!quote)
+        return path;
+    QString escaped;
+    for (const QChar c : path) {
+        if (c == QLatin1Char('"') || c == QLatin1Char('`') || c == QLatin1Char('$') || c == QLatin1Char('\\'))
+            escaped += QLatin1Char('\\');
+        escaped += c;
+    }
+    escaped.replace(QLatin1Char('\\'), QStringLiteral("\\\\")); // the entry's own escaping
+    return QLatin1Char('"') + escaped + QLatin1Char('"');
+}
+
+} // namespace
+
+QString EntryPath()
+{
+    return QDir(DataHome()).filePath(QStringLiteral("applications/") + QLatin1String(EntryName));
+}
+
+QString MimePackagePath()
+{
+    return QDir(DataHome()).filePath(QStringLiteral("mime/packages/morvane.xml"));
+}
+
+QString EntryText(const QString& executable)
+{
+    return QStringLiteral(
+               "[Desktop Entry]\n"
+               "Type=Application\n"
+               "Name=Morvane\n"
+               "GenericName=Text Editor\n"
+               "Comment=Edit text files and source code\n"
+               "Exec=%1 --reuse %F\n"
+               "Icon=morvane\n"
+               "Terminal=false\n"
+               "Categories=Development;TextEditor;Utility;\n"
+               "Keywords=text;editor;code;programming;\n"
+               "MimeType=text/plain;text/x-csrc;text/x-chdr;text/x-c++src;text/x-c++hdr;"
+               "text/x-python;text/x-java;text/html;text/css;text/javascript;application/xml;"
+               "application/json;application/x-shellscript;text/markdown;%2;\n"
+               "StartupNotify=true\n")
+        .arg(ExecArgument(executable), QLatin1String(WorkspaceMimeType));
+}
+
+QString MimePackageText()
+{
+    return QStringLiteral(
+               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+               "<mime-info xmlns=\"http://www.freedesktop.org/standards/shared-mime-info\">\n"
+               "  <mime-type type=\"%1\">\n"
+               "    <comment>Morvane workspace</comment>\n"
+               "    <sub-class-of type=\"application/xml\"/>\n"
+               "    <glob pattern=\"*.spf\"/>\n"
+               "  </mime-type>\n"
+               "</mime-info>\n")
+        .arg(QLatin1String(WorkspaceMimeType));
+}
+
+bool IsInstalled()
+{
+    return QFileInfo::exists(EntryPath());
+}
+
+bool Install(const QString& executable, QString* error)
+{
+    if (!WriteFile(MimePackagePath(), MimePackageText(), error)
+        || !WriteFile(EntryPath(), EntryText(executable), error))
+        return false;
+    Refresh(QDir(DataHome()).filePath(QStringLiteral("mime")), "update-mime-database");
+    Refresh(QFileInfo(EntryPath()).absolutePath(), "update-desktop-database");
+    return true;
+}
+
+bool Remove(QString* error)
+{
+    for (const QString& path : {EntryPath(), MimePackagePath()}) {
+        if (QFileInfo::exists(path) && !QFile::remove(path)) {
+            if (error)
+                *error = QStringLiteral("Cannot remove \"%1\"").arg(path);
+            return false;
+        }
+    }
+    Refresh(QDir(DataHome()).filePath(QStringLiteral("mime")), "update-mime-database");
+    Refresh(QFileInfo(EntryPath()).absolutePath(), "update-desktop-database");
+    return true;
+}
+
+} // namespace DesktopIntegration
