@@ -96,6 +96,12 @@ enum Id : int {
     HelpTopics = 32827,
     HelpContents = 32828,
     DocumentHistory = 7500,
+
+    // Tools: the user's tools are 53000 to 53250, Stop Tool 651.
+    CustomiseToolBars = 34020,
+    CustomiseKeyboard = 34021,
+    CustomiseTools = 34022,
+    CustomiseOptions = 34023,
 };
 
 } // namespace Cmd

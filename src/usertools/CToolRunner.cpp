@@ -101,7 +101,11 @@ bool CToolRunner::Start(const QString& program, const QStringList& arguments,
     m_workingDirectory = workingDirectory.isEmpty() ? QDir::currentPath() : workingDirectory;
     m_clock.start();
 
-    delete m_process;
+    // The last run's process may be the one whose signal brought us here.
+    if (m_process) {
+        m_process->disconnect(this);
+        m_process->deleteLater();
+    }
     m_process = new QProcess(this);
     m_process->setProcessChannelMode(QProcess::MergedChannels);
     // The tool reads nothing from us: a tool that waits for input sees its end at once.
@@ -178,7 +182,7 @@ void CToolRunner::OnFinished(int exitCode, QProcess::ExitStatus status)
     m_lastPartial.clear();
     FlushBatch();
     const qint64 elapsed = m_clock.elapsed();
-    Q_EMIT message(EndText(status, exitCode, elapsed));
+    Q_EMIT summary(EndText(status, exitCode, elapsed));
     EndRun(status == QProcess::CrashExit ? -1 : exitCode, status == QProcess::CrashExit);
 }
 

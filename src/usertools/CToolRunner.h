@@ -41,8 +41,10 @@ Q_SIGNALS:
     void linesReady(const QStringList& lines);
     // The unfinished last line as it shows now (a progress counter); empty when none.
     void partialLine(const QString& text);
-    // A status or error line of our own, not the tool's.
+    // An error line of our own, not the tool's (a start that failed, a forced stop).
     void message(const QString& text);
+    // How the run ended ("Exit code 0, 1.25 s"), just before `finished`.
+    void summary(const QString& text);
     // `crashed` when the tool died by a signal or could not start; exitCode is then -1.
     void finished(int exitCode, bool crashed, qint64 elapsedMs);
 

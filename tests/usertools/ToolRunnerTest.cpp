@@ -25,6 +25,7 @@ protected:
     {
         QObject::connect(&runner, &CToolRunner::linesReady, [this](const QStringList& l) { run.lines << l; });
         QObject::connect(&runner, &CToolRunner::message, [this](const QString& m) { run.messages << m; });
+        QObject::connect(&runner, &CToolRunner::summary, [this](const QString& m) { run.messages << m; });
         QObject::connect(&runner, &CToolRunner::partialLine, [this](const QString& p) {
             if (!p.isEmpty())
                 run.partials << p;
