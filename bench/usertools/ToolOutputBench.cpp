@@ -58,8 +58,10 @@ int main(int argc, char** argv)
     const long rssBeforeKb = PeakKb();
 
     CToolRunner runner;
-    QObject::connect(&runner, &CToolRunner::linesReady, page.Model(),
-                     [&](const QStringList& lines) { page.Model()->AppendLines(lines); });
+    // MORVANE_BENCH_NOPAGE=1 measures the runner and decoder alone.
+    if (qEnvironmentVariableIntValue("MORVANE_BENCH_NOPAGE") == 0)
+        QObject::connect(&runner, &CToolRunner::linesReady, page.Model(),
+                         [&](const QStringList& lines) { page.Model()->AppendLines(lines); });
 
     // The interface thread's responsiveness: how late does a 10 ms timer fire?
     QElapsedTimer tick;

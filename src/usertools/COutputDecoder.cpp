@@ -104,9 +104,17 @@ void COutputDecoder::FlushText()
 
 void COutputDecoder::EndLine(QStringList& lines)
 {
+    if (m_line.isEmpty() && !m_pending.isEmpty()) {
+        // The usual line: decoded straight into its own string.
+        QString text;
+        text.reserve(m_pending.size());
+        DecodeUtf8(m_pending, text);
+        m_pending.clear();
+        lines << text;
+        return;
+    }
     FlushText();
-    lines << m_line;
-    m_line.clear();
+    lines << std::exchange(m_line, QString());
     m_column = 0;
 }
 

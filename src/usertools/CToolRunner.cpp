@@ -12,6 +12,7 @@
 
 #ifdef Q_OS_UNIX
 #include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -113,7 +114,13 @@ bool CToolRunner::Start(const QString& program, const QStringList& arguments,
     m_process->setWorkingDirectory(m_workingDirectory);
 #ifdef Q_OS_UNIX
     // Its own process group, so that Stop reaches what the tool started (make's compilers).
-    m_process->setChildProcessModifier([] { ::setpgid(0, 0); });
+    // A larger pipe lets a fast tool write on while the interface is busy painting.
+    m_process->setChildProcessModifier([] {
+        ::setpgid(0, 0);
+#ifdef F_SETPIPE_SZ
+        ::fcntl(STDOUT_FILENO, F_SETPIPE_SZ, 256 * 1024);
+#endif
+    });
 #endif
     connect(m_process, &QProcess::readyReadStandardOutput, this, &CToolRunner::OnReadyRead);
     connect(m_process, &QProcess::finished, this, &CToolRunner::OnFinished);
@@ -150,9 +157,18 @@ void CToolRunner::Stop()
 
 void CToolRunner::OnReadyRead()
 {
-    const QByteArray bytes = m_process->readAllStandardOutput();
-    m_decoder.Feed(bytes, m_batch);
-    if (!m_batchTimer.isActive())
+    // One buffer for every read: fresh large allocations per read cost page faults.
+    if (m_readBuffer.size() < ReadChunk)
+        m_readBuffer.resize(ReadChunk);
+    // QProcess hands over at most what the pipe held, so this loop is bounded by the
+    // pipe's size.
+    qint64 got = 0;
+    while ((got = m_process->read(m_readBuffer.data(), m_readBuffer.size())) > 0)
+        m_decoder.Feed(m_readBuffer.constData(), got, m_batch);
+    // Bounded batches keep each update of the page short.
+    if (m_batch.size() >= MaxBatchLines)
+        FlushBatch();
+    else if (!m_batchTimer.isActive())
         m_batchTimer.start();
 }
 

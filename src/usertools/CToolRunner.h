@@ -55,7 +55,10 @@ private:
     void FlushBatch();
     void EndRun(int exitCode, bool crashed);
 
+    static constexpr qsizetype ReadChunk = 256 * 1024;
+    static constexpr qsizetype MaxBatchLines = 10000;
     QProcess* m_process = nullptr;
+    QByteArray m_readBuffer;
     COutputDecoder m_decoder;
     QStringList m_batch;
     QString m_lastPartial;

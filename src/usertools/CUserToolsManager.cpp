@@ -115,11 +115,13 @@ ToolContext CUserToolsManager::CurrentContext() const
 {
     ToolContext context;
     context.appDir = QDir::currentPath();
-    auto* document = qobject_cast<CScrivelDoc*>(m_shell.ActiveDocument());
-    if (!document)
+    CDocument* active = m_shell.ActiveDocument();
+    if (!active)
         return context;
-    context.filePath = document->GetPathName();
-    if (CMFCScintilla* editor = document->GetEditor()) {
+    context.filePath = active->GetPathName();
+    // Caret and selection come from a text document's editor; a hex view has neither.
+    auto* document = qobject_cast<CScrivelDoc*>(active);
+    if (CMFCScintilla* editor = document ? document->GetEditor() : nullptr) {
         const long position = editor->GetCurrentPos();
         context.line = int(editor->LineFromPosition(position)) + 1;
         context.column = int(editor->SendScintilla(QsciScintillaBase::SCI_GETCOLUMN, position)) + 1;

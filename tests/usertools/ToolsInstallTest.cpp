@@ -330,3 +330,63 @@ TEST_F(ToolsInstallTest, ToolsPageEditsReachTheMenuAndTheStore)
 }
 
 } // namespace
+
+namespace {
+
+// A document whose save the test decides.
+class SavingDocument : public CDocument
+{
+public:
+    bool DoSave(const QString& path, bool) override
+    {
+        ++saves;
+        if (!allowSave)
+            return false;
+        if (!path.isEmpty())
+            SetPathName(path, false);
+        SetModifiedFlag(false);
+        return true;
+    }
+    bool allowSave = true;
+    int saves = 0;
+};
+
+TEST_F(ToolsInstallTest, FileNameReachesTheToolAsOneArgumentAfterTheSaveItAskedFor)
+{
+    Start();
+    const QString dir = TestSupport::MakeTempDir() + QStringLiteral("/with space");
+    const QString path = dir + QStringLiteral("/it's \"quoted\".c");
+    TestSupport::WriteFile(path, "int x;\n");
+    SavingDocument document;
+    document.SetPathName(path, false);
+    document.SetModifiedFlag(true);
+    CChildFrame frame(&document);
+    shell->AddChildFrame(&frame);
+
+    UserTool tool;
+    tool.name = QStringLiteral("Args");
+    tool.command = QStringLiteral("/bin/sh");
+    tool.arguments = QStringLiteral("-c 'echo \"$#|$1|$2|$3\"' sh $FileName $FileTitle $Selection");
+    tool.saveBeforeRun = true;
+    installed.tools->SetTools({tool});
+
+    // A save that fails (cancelled, disk full) keeps the tool from running.
+    document.allowSave = false;
+    installed.tools->Run(0);
+    EXPECT_EQ(document.saves, 1);
+    EXPECT_FALSE(installed.tools->IsRunning());
+    EXPECT_TRUE(shell->statusMessages.last().contains(QStringLiteral("not saved")));
+
+    document.allowSave = true;
+    ASSERT_TRUE(RunAndWait(0));
+    EXPECT_EQ(document.saves, 2);
+    EXPECT_FALSE(document.IsModified());
+    // The empty selection is no argument at all; the path with its quotes is one.
+    EXPECT_TRUE(PageLines(*installed.tools).contains(QStringLiteral("2|%1|it's \"quoted\"|").arg(path)))
+        << PageLines(*installed.tools).join(QLatin1Char('\n')).toStdString();
+    // With no folder given the tool runs beside the document.
+    EXPECT_EQ(installed.tools->Runner().WorkingDirectory(), dir);
+    shell->ActivateChild(nullptr);
+}
+
+} // namespace
