@@ -226,22 +226,26 @@ void CMenuPlaces::SetToolBarCommands(const QString& toolBarId, const QList<int>&
             break;
         }
     }
-    bool lastWasLine = true; // no line at the start
+    // A line goes in only between two buttons: none at either end, never two in a row.
+    bool anyButton = false;
+    bool lineWanted = false;
     for (const int id : ids) {
         if (id == 0) {
-            if (lastWasLine)
-                continue;
+            lineWanted = anyButton;
+            continue;
+        }
+        QAction* action = m_commands.Action(id);
+        if (!action || bar->actions().contains(action))
+            continue;
+        if (lineWanted) {
             auto* line = new QAction(bar);
             line->setSeparator(true);
             bar->insertAction(before, line);
             it->customSeparators << line;
-            lastWasLine = true;
-        } else if (QAction* action = m_commands.Action(id)) {
-            if (bar->actions().contains(action))
-                continue;
-            bar->insertAction(before, action);
-            lastWasLine = false;
+            lineWanted = false;
         }
+        bar->insertAction(before, action);
+        anyButton = true;
     }
     it->customised = true;
 }

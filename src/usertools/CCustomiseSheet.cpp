@@ -181,7 +181,7 @@ QWidget* CCustomiseSheet::MakeEditPage()
         FillButtons();
     });
     FillAvailable();
-    FillButtons();
+    FillToolBarList(); // the toolbar choice, made after the first page was filled
     return page;
 }
 

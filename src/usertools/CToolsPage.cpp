@@ -61,9 +61,15 @@ CToolsPage::CToolsPage(CUserToolsManager& manager, QWidget* parent)
     };
     auto* form = new QFormLayout;
     form->addRow(tr("&Title:"), m_name);
-    form->addRow(tr("&Command:"), withButton(m_command, browseCommand));
-    form->addRow(tr("&Arguments:"), withButton(m_arguments, variables));
-    form->addRow(tr("&Initial directory:"), withButton(m_directory, browseDirectory));
+    // Rows of a field and its button need their label's buddy named by hand.
+    auto label = [this](const QString& text, QWidget* buddy) {
+        auto* made = new QLabel(text, this);
+        made->setBuddy(buddy);
+        return made;
+    };
+    form->addRow(label(tr("&Command:"), m_command), withButton(m_command, browseCommand));
+    form->addRow(label(tr("&Arguments:"), m_arguments), withButton(m_arguments, variables));
+    form->addRow(label(tr("&Initial directory:"), m_directory), withButton(m_directory, browseDirectory));
     form->addRow(tr("&Output:"), m_kind);
     form->addRow(QString(), m_save);
     form->addRow(tr("S&hortcut:"), m_shortcut);

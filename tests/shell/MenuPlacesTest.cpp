@@ -116,8 +116,8 @@ TEST_F(ToolBarLayoutTest, UserLayoutReplacesTheButtonsKeepsWidgetsAndResetRestor
     EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{10, 11, 0, 12, 0, 13, 0}));
     EXPECT_EQ(menus.DefaultToolBarCommands(ToolBarId::Standard), (QList<int>{10, 11, 0, 12, 0, 13}));
 
-    // Leading and doubled lines fold away; an id nobody registered is skipped.
-    menus.SetToolBarCommands(ToolBarId::Standard, {0, 13, 0, 0, 999, 10});
+    // Leading, doubled and trailing lines fold away; an id nobody registered is skipped.
+    menus.SetToolBarCommands(ToolBarId::Standard, {0, 13, 0, 0, 999, 10, 0});
     EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{13, 0, 10}));
     EXPECT_TRUE(menus.IsToolBarCustomised(ToolBarId::Standard));
     QToolBar* bar = menus.ToolBar(ToolBarId::Standard);

@@ -244,9 +244,22 @@ TEST_F(ToolsInstallTest, ReassignedKeysAndChangedToolBarsSurviveARestart)
         EXPECT_EQ(shell->Commands().CommandForShortcut(QKeySequence(QStringLiteral("Ctrl+S"))), Cmd::FileOpen);
         EXPECT_TRUE(shell->Commands().Shortcut(Cmd::FileSave).isEmpty());
 
-        // Toolbars: Standard loses Cut and gains Save; a toolbar of the user's own.
+        // Toolbars: Standard loses Cut and gains Save at its front, after a line.
         sheet.ChooseToolBar(QString::fromLatin1(ToolBarId::Standard));
-        installed.toolBars->SetCommands(QString::fromLatin1(ToolBarId::Standard), {Cmd::FileSave, 0, Cmd::FileNew});
+        QListWidget* buttons = sheet.ButtonList();
+        ASSERT_EQ(buttons->count(), 4);
+        buttons->setCurrentRow(3);
+        sheet.RemoveSelectedButton();
+        const auto save = sheet.AvailableList()->findItems(QStringLiteral("File: Command 57603"), Qt::MatchExactly);
+        ASSERT_EQ(save.size(), 1);
+        sheet.AvailableList()->setCurrentItem(save.first());
+        sheet.AddSelectedCommand();
+        sheet.MoveSelectedButton(-1);
+        sheet.MoveSelectedButton(-1);
+        sheet.AddSeparator();
+        EXPECT_EQ(shell->Menus().ToolBarCommands(ToolBarId::Standard),
+                  (QList<int>{Cmd::FileSave, 0, Cmd::FileNew, Cmd::FileOpen}));
+        // A toolbar of the user's own.
         const QString mine = sheet.NewToolBar(QStringLiteral("My Tools"));
         installed.toolBars->SetCommands(mine, {Cmd::EditCut, 4242});
         sheet.LargeIconsBox()->setChecked(false);
@@ -259,7 +272,8 @@ TEST_F(ToolsInstallTest, ReassignedKeysAndChangedToolBarsSurviveARestart)
 
     Start();
     EXPECT_EQ(shell->Commands().CommandForShortcut(QKeySequence(QStringLiteral("Ctrl+S"))), Cmd::FileOpen);
-    EXPECT_EQ(shell->Menus().ToolBarCommands(ToolBarId::Standard), (QList<int>{Cmd::FileSave, 0, Cmd::FileNew}));
+    EXPECT_EQ(shell->Menus().ToolBarCommands(ToolBarId::Standard),
+              (QList<int>{Cmd::FileSave, 0, Cmd::FileNew, Cmd::FileOpen}));
     const QString mine = QStringLiteral("User1");
     ASSERT_NE(shell->Menus().ToolBar(mine), nullptr);
     EXPECT_EQ(shell->Menus().ToolBar(mine)->windowTitle(), QStringLiteral("My Tools"));
