@@ -177,6 +177,7 @@ void CToolRunner::FlushBatch()
     m_batchTimer.stop();
     if (!m_batch.isEmpty()) {
         const QStringList lines = std::exchange(m_batch, {});
+        m_batch.reserve(MaxBatchLines);
         Q_EMIT linesReady(lines);
     }
     if (!m_running)

@@ -38,33 +38,34 @@ CUserToolsManager::CUserToolsManager(IShell& shell, QObject* parent)
         m_page->AddContextAction(stop);
 
     connect(&m_runner, &CToolRunner::started, this, [this](const QString& commandLine) {
-        if (!m_targetDocument)
+        if (!m_toDocument)
             m_page->Model()->AppendLine(QStringLiteral("> ") + commandLine, CToolResultsModel::Status);
     });
     connect(&m_runner, &CToolRunner::linesReady, this, [this](const QStringList& lines) {
-        if (m_targetDocument)
+        if (m_toDocument)
             WriteToDocument(lines);
         else
             m_page->Model()->AppendLines(lines);
     });
     connect(&m_runner, &CToolRunner::partialLine, this, [this](const QString& text) {
-        if (!m_targetDocument)
+        if (!m_toDocument)
             m_page->Model()->SetPartialLine(text);
     });
     connect(&m_runner, &CToolRunner::message, this, [this](const QString& text) {
-        if (m_targetDocument)
+        if (m_toDocument)
             WriteToDocument({text});
         else
             m_page->Model()->AppendLine(text, CToolResultsModel::Status);
     });
     connect(&m_runner, &CToolRunner::summary, this, [this](const QString& text) {
-        if (m_targetDocument)
+        if (m_toDocument)
             m_shell.ShowStatusMessage(text, 5000);
         else
             m_page->Model()->AppendLine(text, CToolResultsModel::Status);
     });
     connect(&m_runner, &CToolRunner::finished, this, [this] {
         m_targetDocument = nullptr;
+        m_toDocument = false;
         m_shell.RequestCommandUpdate();
         if (m_pendingTool >= 0)
             StartRun(std::exchange(m_pendingTool, -1));
@@ -188,10 +189,17 @@ void CUserToolsManager::StartRun(int index)
             return;
         }
         m_targetDocument = document;
+        m_toDocument = true;
+        // Closing the document ends the tool that writes into it.
+        connect(document, &CDocument::closing, this, [this, document] {
+            if (m_toDocument && m_targetDocument == document)
+                m_runner.Stop();
+        });
         break;
     }
     default:
         m_targetDocument = nullptr;
+        m_toDocument = false;
         if (m_shell.Settings().ReuseWindows)
             m_page->Clear();
         else if (m_page->Model()->rowCount() > 0)

@@ -51,5 +51,6 @@ private:
     CToolRunner m_runner;
     CToolResultsPage* m_page;
     QPointer<CScrivelDoc> m_targetDocument; // output of a kind 1 run
+    bool m_toDocument = false;              // the run writes into m_targetDocument
     int m_pendingTool = -1; // waits for the running tool to stop
 };
