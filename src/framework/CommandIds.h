@@ -102,6 +102,8 @@ enum Id : int {
     CustomiseKeyboard = 34021,
     CustomiseTools = 34022,
     CustomiseOptions = 34023,
+    NextToolResult = 36700,
+    PreviousToolResult = 36701,
 };
 
 } // namespace Cmd

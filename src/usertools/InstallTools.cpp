@@ -65,6 +65,31 @@ InstalledTools InstallTools(IShell& shell)
     }
 
     QObject::connect(&shell.Events(), &CShellEvents::firstIdle, installed.toolBars, [&shell, installed] {
+        // F4 and Shift+F4 step through the tool's links wherever focus is, unless the
+        // Output bar already gave those keys to a command of its own.
+        const struct
+        {
+            int id;
+            const char* text;
+            QKeySequence key;
+            bool forward;
+        } steps[] = {{Cmd::NextToolResult, QT_TRANSLATE_NOOP("InstallTools", "Ne&xt Tool Result"), QKeySequence(Qt::Key_F4), true},
+                     {Cmd::PreviousToolResult, QT_TRANSLATE_NOOP("InstallTools", "Pre&vious Tool Result"),
+                      QKeySequence(Qt::SHIFT | Qt::Key_F4), false}};
+        for (const auto& step : steps) {
+            const bool forward = step.forward;
+            CUserToolsManager* tools = installed.tools;
+            shell.Commands().Register(
+                {.id = step.id,
+                 .text = QCoreApplication::translate("InstallTools", step.text),
+                 .category = QCoreApplication::translate("InstallTools", "Tools"),
+                 .shortcut = shell.Commands().CommandForShortcut(step.key) ? QKeySequence() : step.key,
+                 .run = [&shell, tools, forward] {
+                     shell.ShowOutputPage(tools->Page());
+                     tools->Page()->GoToNextLink(forward);
+                 }});
+            shell.Menus().AddCommand(MenuId::Tools, MenuGroup::ToolsRun, step.id);
+        }
         // Every subsystem has put its buttons and commands in place by now.
         installed.toolBars->ApplyStoredLayouts();
         shell.Commands().LoadShortcuts();

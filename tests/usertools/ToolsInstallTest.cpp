@@ -137,7 +137,8 @@ TEST_F(ToolsInstallTest, OutputGoesToTheToolResultsPageAndReuseDecidesWhetherItI
 
     // F4 goes to the error, resolved against the tool's folder, and opens it.
     installed.tools->Page()->View()->setCurrentIndex({});
-    EXPECT_TRUE(installed.tools->Page()->GoToNextLink(true));
+    EXPECT_EQ(shell->Commands().CommandForShortcut(QKeySequence(Qt::Key_F4)), Cmd::NextToolResult);
+    shell->Commands().Execute(Cmd::NextToolResult);
     ASSERT_FALSE(shell->openedPaths.isEmpty());
     EXPECT_EQ(shell->openedPaths.last(), QDir::cleanPath(dir + QStringLiteral("/src/a.c")));
     EXPECT_EQ(installed.tools->Page()->View()->currentIndex().row(), 1);
@@ -146,6 +147,19 @@ TEST_F(ToolsInstallTest, OutputGoesToTheToolResultsPageAndReuseDecidesWhetherItI
     EXPECT_FALSE(installed.tools->Page()->GoToNextLink(true));
     EXPECT_TRUE(installed.tools->Page()->GoToNextLink(false));
     EXPECT_EQ(installed.tools->Page()->View()->currentIndex().row(), 1);
+}
+
+TEST_F(ToolsInstallTest, F4StaysWithTheOutputBarWhenItTookTheKeyFirst)
+{
+    installed = {};
+    shell = std::make_unique<CFakeShell>();
+    shell->Commands().Register({.id = 1, .text = QStringLiteral("Next Result"), .shortcut = QKeySequence(Qt::Key_F4),
+                                .run = [] {}});
+    installed = InstallTools(*shell);
+    Q_EMIT shell->Events().firstIdle();
+    EXPECT_EQ(shell->Commands().CommandForShortcut(QKeySequence(Qt::Key_F4)), 1);
+    EXPECT_TRUE(shell->Commands().Shortcut(Cmd::NextToolResult).isEmpty());
+    EXPECT_EQ(shell->Commands().Shortcut(Cmd::PreviousToolResult), QKeySequence(Qt::SHIFT | Qt::Key_F4));
 }
 
 TEST_F(ToolsInstallTest, StopToolIsOnlyEnabledWhileAToolRunsAndStopsIt)
