@@ -84,13 +84,13 @@ void CToolResultsPage::AddContextAction(QAction* action)
 
 void CToolResultsPage::ScrollIfFollowing()
 {
-    if (!m_follow || m_scrollPending)
+    if (!m_follow || m_scrollPending || !m_view)
         return;
     // Once per turn of the event loop, not once per batch of rows.
     m_scrollPending = true;
     QTimer::singleShot(0, this, [this] {
         m_scrollPending = false;
-        if (m_follow)
+        if (m_follow && m_view)
             m_view->scrollToBottom();
     });
 }
@@ -98,7 +98,7 @@ void CToolResultsPage::ScrollIfFollowing()
 bool CToolResultsPage::ActivateRow(int row)
 {
     OutputLink link;
-    if (!m_model->LinkAt(row, link))
+    if (!m_view || !m_model->LinkAt(row, link))
         return false;
     m_view->setCurrentIndex(m_model->index(row));
     if (m_open)
@@ -109,7 +109,7 @@ bool CToolResultsPage::ActivateRow(int row)
 bool CToolResultsPage::GoToNextLink(bool forward)
 {
     const int rows = m_model->rowCount();
-    if (rows == 0)
+    if (rows == 0 || !m_view)
         return false;
     const int current = m_view->currentIndex().isValid() ? m_view->currentIndex().row() : (forward ? -1 : rows);
     const int step = forward ? 1 : -1;
@@ -126,6 +126,8 @@ bool CToolResultsPage::GoToNextLink(bool forward)
 
 void CToolResultsPage::CopySelection() const
 {
+    if (!m_view)
+        return;
     QModelIndexList rows = m_view->selectionModel()->selectedRows();
     std::sort(rows.begin(), rows.end(), [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
     QStringList lines;

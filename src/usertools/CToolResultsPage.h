@@ -3,12 +3,14 @@
 #include "shell/IOutputPage.h"
 #include "usertools/OutputLink.h"
 
+#include <QListView>
 #include <QObject>
+#include <QPointer>
 #include <functional>
 
 class CToolResultsModel;
 class QAction;
-class QListView;
+
 class QModelIndex;
 class QWidget;
 
@@ -42,8 +44,9 @@ private:
     void CopySelection() const;
 
     CToolResultsModel* m_model;
-    QWidget* m_widget;
-    QListView* m_view;
+    // The bar that shows the widget may delete it first, at the window's end.
+    QPointer<QWidget> m_widget;
+    QPointer<QListView> m_view;
     std::function<void(const OutputLink&)> m_open;
     bool m_follow = true;
     bool m_scrollPending = false;

@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
+#include <QDockWidget>
 #include <QKeySequenceEdit>
 #include <QMessageBox>
 #include <QTimer>
@@ -160,6 +161,21 @@ TEST_F(ToolsInstallTest, F4StaysWithTheOutputBarWhenItTookTheKeyFirst)
     EXPECT_EQ(shell->Commands().CommandForShortcut(QKeySequence(Qt::Key_F4)), 1);
     EXPECT_TRUE(shell->Commands().Shortcut(Cmd::NextToolResult).isEmpty());
     EXPECT_EQ(shell->Commands().Shortcut(Cmd::PreviousToolResult), QKeySequence(Qt::SHIFT | Qt::Key_F4));
+}
+
+TEST_F(ToolsInstallTest, ThePageOutlivesItsWidgetWhenTheBarGoesFirst)
+{
+    Start();
+    CToolResultsPage* page = installed.tools->Page();
+    QDockWidget* dock = shell->AddDock(QStringLiteral("OutputBar"), QStringLiteral("Output"), page->Widget(),
+                                       Qt::BottomDockWidgetArea);
+    delete dock; // the window's end deletes docks before their owners' objects
+    EXPECT_EQ(page->Widget(), nullptr);
+    page->Model()->AppendLines({QStringLiteral("a.c:1: x")});
+    EXPECT_FALSE(page->GoToNextLink(true));
+    QCoreApplication::processEvents();
+    installed = {};
+    shell.reset(); // and the page goes last, without touching the widget again
 }
 
 TEST_F(ToolsInstallTest, StopToolIsOnlyEnabledWhileAToolRunsAndStopsIt)
