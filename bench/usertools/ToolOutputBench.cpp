@@ -3,7 +3,7 @@
 // Prints the time until the last line is shown, the peak memory and the longest delay
 // of a 10 ms timer on the interface thread while the output streams.
 #include "usertools/CToolResultsModel.h"
-#include "usertools/CToolResultsPage.h"
+#include "usertools/CToolOutputPage.h"
 #include "usertools/CToolRunner.h"
 
 #include <QApplication>
@@ -50,7 +50,7 @@ int main(int argc, char** argv)
     const double devNull2 = DevNullSeconds();
     const double baseline = qMin(devNull, devNull2);
 
-    CToolResultsPage page;
+    CToolOutputPage page;
     QWidget* widget = page.Widget();
     widget->resize(900, 500);
     widget->show();

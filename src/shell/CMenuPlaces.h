@@ -34,6 +34,11 @@ public:
     QMenu* Menu(const QString& menuId) const;
     QStringList MenuIds() const;
 
+    // The order of commands within a group that several subsystems fill: a listed command
+    // goes before any listed after it, whichever subsystem adds it first. Others follow
+    // in the order they were added.
+    void SetGroupOrder(const QString& menuId, const QString& group, const QList<int>& commandIds);
+
     // Adds the registered command to a group; an unknown group goes to the end.
     QAction* AddCommand(const QString& menuId, const QString& group, int commandId);
     void AddAction(const QString& menuId, const QString& group, QAction* action);
@@ -66,6 +71,7 @@ private:
         QHash<QString, QList<QAction*>> items;
         bool customised = false;
         QList<QAction*> customSeparators; // lines of a customised layout, ours to delete
+        QHash<QString, QList<int>> order;
     };
     void ClearCommands(Place& place);
     void Insert(Place& place, const QString& group, QAction* action);

@@ -7,7 +7,7 @@
 #include "shell/CMenuPlaces.h"
 #include "shell/IShell.h"
 #include "usertools/CToolResultsModel.h"
-#include "usertools/CToolResultsPage.h"
+#include "usertools/CToolOutputPage.h"
 #include "usertools/CUserToolStore.h"
 
 #include <QAction>
@@ -22,7 +22,7 @@
 CUserToolsManager::CUserToolsManager(IShell& shell, QObject* parent)
     : QObject(parent)
     , m_shell(shell)
-    , m_page(new CToolResultsPage(this))
+    , m_page(new CToolOutputPage(this))
 {
     m_page->SetOpenHandler([this](const OutputLink& link) { OpenLink(link); });
 

@@ -8,7 +8,7 @@
 #include <QPointer>
 
 class CScrivelDoc;
-class CToolResultsPage;
+class CToolOutputPage;
 class IShell;
 struct OutputLink;
 
@@ -32,7 +32,7 @@ public:
 
     // What the variables stand for now, from the active document.
     ToolContext CurrentContext() const;
-    CToolResultsPage* Page() const { return m_page; }
+    CToolOutputPage* Page() const { return m_page; }
     CToolRunner& Runner() { return m_runner; }
     // Opens the file a line of output names, at its line and column.
     void OpenLink(const OutputLink& link);
@@ -49,7 +49,7 @@ private:
     QList<UserTool> m_tools;
     int m_registeredCount = 0;
     CToolRunner m_runner;
-    CToolResultsPage* m_page;
+    CToolOutputPage* m_page;
     QPointer<CScrivelDoc> m_targetDocument; // output of a kind 1 run
     bool m_toDocument = false;              // the run writes into m_targetDocument
     int m_pendingTool = -1; // waits for the running tool to stop

@@ -8,7 +8,7 @@
 #include "shell/IShell.h"
 #include "usertools/CCustomiseSheet.h"
 #include "usertools/CToolBarCustomiser.h"
-#include "usertools/CToolResultsPage.h"
+#include "usertools/CToolOutputPage.h"
 #include "usertools/CUserToolsManager.h"
 
 #include <QCoreApplication>

@@ -6,7 +6,7 @@
 #include "usertools/CShortcutsPage.h"
 #include "usertools/CToolBarCustomiser.h"
 #include "usertools/CToolResultsModel.h"
-#include "usertools/CToolResultsPage.h"
+#include "usertools/CToolOutputPage.h"
 #include "usertools/CToolsPage.h"
 #include "usertools/CUserToolStore.h"
 #include "usertools/CUserToolsManager.h"
@@ -166,7 +166,7 @@ TEST_F(ToolsInstallTest, F4StaysWithTheOutputBarWhenItTookTheKeyFirst)
 TEST_F(ToolsInstallTest, ThePageOutlivesItsWidgetWhenTheBarGoesFirst)
 {
     Start();
-    CToolResultsPage* page = installed.tools->Page();
+    CToolOutputPage* page = installed.tools->Page();
     QDockWidget* dock = shell->AddDock(QStringLiteral("OutputBar"), QStringLiteral("Output"), page->Widget(),
                                        Qt::BottomDockWidgetArea);
     delete dock; // the window's end deletes docks before their owners' objects

@@ -17,12 +17,12 @@ class QWidget;
 // The "Tool Results" page of the Output bar: a list of the running tool's lines that
 // follows the end while the user has not scrolled away. A line naming a file place
 // opens it on a double click, Enter, or F4 and Shift+F4 for the next and previous.
-class CToolResultsPage : public QObject, public IOutputPage
+class CToolOutputPage : public QObject, public IOutputPage
 {
     Q_OBJECT
 public:
-    explicit CToolResultsPage(QObject* parent = nullptr);
-    ~CToolResultsPage() override;
+    explicit CToolOutputPage(QObject* parent = nullptr);
+    ~CToolOutputPage() override;
 
     QString Title() const override;
     QWidget* Widget() override;

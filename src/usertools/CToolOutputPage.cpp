@@ -1,4 +1,4 @@
-#include "usertools/CToolResultsPage.h"
+#include "usertools/CToolOutputPage.h"
 
 #include "usertools/CToolResultsModel.h"
 
@@ -15,7 +15,7 @@
 
 #include <algorithm>
 
-CToolResultsPage::CToolResultsPage(QObject* parent)
+CToolOutputPage::CToolOutputPage(QObject* parent)
     : QObject(parent)
     , m_model(new CToolResultsModel(this))
     , m_widget(new QWidget)
@@ -39,9 +39,9 @@ CToolResultsPage::CToolResultsPage(QObject* parent)
     auto* copy = new QAction(tr("&Copy"), m_view);
     copy->setShortcut(QKeySequence::Copy);
     copy->setShortcutContext(Qt::WidgetShortcut);
-    connect(copy, &QAction::triggered, this, &CToolResultsPage::CopySelection);
+    connect(copy, &QAction::triggered, this, &CToolOutputPage::CopySelection);
     auto* clear = new QAction(tr("C&lear"), m_view);
-    connect(clear, &QAction::triggered, this, &CToolResultsPage::Clear);
+    connect(clear, &QAction::triggered, this, &CToolOutputPage::Clear);
     m_view->addAction(copy);
     m_view->addAction(clear);
 
@@ -50,31 +50,31 @@ CToolResultsPage::CToolResultsPage(QObject* parent)
     connect(m_view->verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
         m_follow = value >= m_view->verticalScrollBar()->maximum();
     });
-    connect(m_model, &QAbstractItemModel::rowsInserted, this, &CToolResultsPage::ScrollIfFollowing);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, &CToolOutputPage::ScrollIfFollowing);
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] { m_follow = true; });
 }
 
-CToolResultsPage::~CToolResultsPage()
+CToolOutputPage::~CToolOutputPage()
 {
     delete m_widget;
 }
 
-QString CToolResultsPage::Title() const
+QString CToolOutputPage::Title() const
 {
     return tr("Tool Results");
 }
 
-QWidget* CToolResultsPage::Widget()
+QWidget* CToolOutputPage::Widget()
 {
     return m_widget;
 }
 
-void CToolResultsPage::Clear()
+void CToolOutputPage::Clear()
 {
     m_model->Clear();
 }
 
-void CToolResultsPage::AddContextAction(QAction* action)
+void CToolOutputPage::AddContextAction(QAction* action)
 {
     auto* separator = new QAction(m_view);
     separator->setSeparator(true);
@@ -82,7 +82,7 @@ void CToolResultsPage::AddContextAction(QAction* action)
     m_view->addAction(action);
 }
 
-void CToolResultsPage::ScrollIfFollowing()
+void CToolOutputPage::ScrollIfFollowing()
 {
     if (!m_follow || m_scrollPending || !m_view)
         return;
@@ -95,7 +95,7 @@ void CToolResultsPage::ScrollIfFollowing()
     });
 }
 
-bool CToolResultsPage::ActivateRow(int row)
+bool CToolOutputPage::ActivateRow(int row)
 {
     OutputLink link;
     if (!m_view || !m_model->LinkAt(row, link))
@@ -106,7 +106,7 @@ bool CToolResultsPage::ActivateRow(int row)
     return true;
 }
 
-bool CToolResultsPage::GoToNextLink(bool forward)
+bool CToolOutputPage::GoToNextLink(bool forward)
 {
     const int rows = m_model->rowCount();
     if (rows == 0 || !m_view)
@@ -124,7 +124,7 @@ bool CToolResultsPage::GoToNextLink(bool forward)
     return false;
 }
 
-void CToolResultsPage::CopySelection() const
+void CToolOutputPage::CopySelection() const
 {
     if (!m_view)
         return;
@@ -137,7 +137,7 @@ void CToolResultsPage::CopySelection() const
         QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')) + QLatin1Char('\n'));
 }
 
-bool CToolResultsPage::eventFilter(QObject* watched, QEvent* event)
+bool CToolOutputPage::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_view && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
