@@ -336,6 +336,19 @@ void CMenuPlaces::Insert(Place& place, const QString& group, QAction* action)
     widget->insertAction(before, action);
     items.insert(position, action);
     UpdateSeparators(place);
+    // A command withdrawn later (a deleted user tool) leaves no stale entry behind: a new
+    // action at the same address would otherwise count as already placed.
+    connect(action, &QObject::destroyed, this, [this, action] { Forget(action); });
+}
+
+void CMenuPlaces::Forget(QAction* action)
+{
+    for (auto* places : {&m_menus, &m_toolBars}) {
+        for (Place& place : *places) {
+            for (QList<QAction*>& items : place.items)
+                items.removeAll(action);
+        }
+    }
 }
 
 void CMenuPlaces::UpdateSeparators(Place& place)

@@ -74,6 +74,7 @@ private:
         QHash<QString, QList<int>> order;
     };
     void ClearCommands(Place& place);
+    void Forget(QAction* action);
     void Insert(Place& place, const QString& group, QAction* action);
     static void UpdateSeparators(Place& place);
 
