@@ -229,7 +229,11 @@ void CUserToolsManager::WriteToDocument(const QStringList& lines)
 
 void CUserToolsManager::OpenLink(const OutputLink& link)
 {
-    auto* document = qobject_cast<CScrivelDoc*>(m_shell.OpenPath(link.path));
+    CDocument* opened = m_shell.OpenPath(link.path);
+    // A file already open is brought forward rather than opened again.
+    if (!opened && m_shell.ActivateOpenDocument(link.path))
+        opened = m_shell.ActiveDocument();
+    auto* document = qobject_cast<CScrivelDoc*>(opened);
     if (!document) {
         m_shell.ShowStatusMessage(tr("Cannot open \"%1\"").arg(link.path), 5000);
         return;
