@@ -15,6 +15,7 @@
 #include "shell/IShell.h"
 #include "syntax/CSyntaxCommands.h"
 #include "tools/COutputBarCommands.h"
+#include "usertools/InstallTools.h"
 
 #include <QCoreApplication>
 
@@ -58,5 +59,6 @@ void InstallSubsystems(IShell& shell)
     InstallPrinting(shell);
     InstallProperties(shell);
     InstallHelp(shell);
+    InstallTools(shell);
     ReservePlaces(shell);
 }

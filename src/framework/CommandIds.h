@@ -118,6 +118,13 @@ enum Id : int {
     // File explorer page (tool strip)
     RefreshFileSystemView = 6011,
     FileExplorerShowHidden = 36600,
+    // Tools: the user's tools are 53000 to 53250, Stop Tool 651.
+    CustomiseToolBars = 34020,
+    CustomiseKeyboard = 34021,
+    CustomiseTools = 34022,
+    CustomiseOptions = 34023,
+    NextToolResult = 36700,
+    PreviousToolResult = 36701,
 };
 
 } // namespace Cmd

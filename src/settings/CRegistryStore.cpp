@@ -174,6 +174,20 @@ int CRegistryStore::EnumValues(const QString& section, QMap<QString, int>& value
     return count;
 }
 
+QMap<QString, QVariant> CRegistryStore::ReadSection(const QString& section) const
+{
+    const auto store = Open(m_root);
+    QSettings& settings = *store;
+    const QString group = SectionGroup(section);
+    if (!group.isEmpty())
+        settings.beginGroup(group);
+    QMap<QString, QVariant> values;
+    const auto keys = settings.childKeys();
+    for (const QString& key : keys)
+        values.insert(UnescapeName(key), settings.value(key));
+    return values;
+}
+
 bool CRegistryStore::HasValue(const QString& section, const QString& name) const
 {
     const auto store = Open(m_root);
@@ -194,6 +208,28 @@ bool CRegistryStore::ReplaceSection(const QString& section,
     settings.remove(group);
     for (const auto& [name, value] : values)
         settings.setValue(Key(section, name), value);
+    settings.sync();
+    return settings.status() == QSettings::NoError;
+}
+
+bool CRegistryStore::ReplaceSection(const QString& section, const Values& values,
+                                    const QList<QPair<QString, Values>>& subsections)
+{
+    const auto store = Open(m_root);
+    QSettings& settings = *store;
+    if (!settings.isWritable())
+        return false;
+    const QString group = SectionGroup(section);
+    if (group.isEmpty())
+        return false;
+    settings.remove(group);
+    for (const auto& [name, value] : values)
+        settings.setValue(Key(section, name), value);
+    for (const auto& [subsection, subValues] : subsections) {
+        const QString path = section + QLatin1Char('\\') + subsection;
+        for (const auto& [name, value] : subValues)
+            settings.setValue(Key(path, name), value);
+    }
     settings.sync();
     return settings.status() == QSettings::NoError;
 }

@@ -33,9 +33,16 @@ public:
     // Value name to kind (0 number, 1 text), in name order. Returns the number of values.
     int EnumValues(const QString& section, QMap<QString, int>& values) const;
     bool HasValue(const QString& section, const QString& name) const;
+    // Every value of a section (names unescaped) in one read.
+    QMap<QString, QVariant> ReadSection(const QString& section) const;
 
     // Makes the section hold exactly `values` (name, number or text) in one write.
     bool ReplaceSection(const QString& section, const QList<QPair<QString, QVariant>>& values);
+    // The same with numbered or named subsections ("Tools\\1", "Tools\\2"), also in one
+    // write, for lists of records that would be slow to write one section at a time.
+    using Values = QList<QPair<QString, QVariant>>;
+    bool ReplaceSection(const QString& section, const Values& values,
+                        const QList<QPair<QString, Values>>& subsections);
 
     bool DeleteKey(const QString& section, const QString& subkey);
     bool DeleteValue(const QString& section, const QString& name);

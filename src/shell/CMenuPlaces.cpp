@@ -137,6 +137,11 @@ void CMenuPlaces::AddToolBarCommand(const QString& toolBarId, const QString& gro
     QAction* action = m_commands.Action(commandId);
     if (it == m_toolBars.end() || !action)
         return;
+    if (it->customised) {
+        // The user's layout holds; the command joins the layout a reset brings back.
+        it->items[it->groups.contains(group) ? group : QString()].append(action);
+        return;
+    }
     Insert(*it, group, action);
 }
 
@@ -176,6 +181,126 @@ QList<int> CMenuPlaces::ToolBarCommands(const QString& toolBarId) const
     return ids;
 }
 
+QList<int> CMenuPlaces::DefaultToolBarCommands(const QString& toolBarId) const
+{
+    QList<int> ids;
+    const auto it = m_toolBars.constFind(toolBarId);
+    if (it == m_toolBars.cend())
+        return ids;
+    for (const QString& group : it->groups) {
+        bool any = false;
+        for (const QAction* action : it->items.value(group)) {
+            if (action && action->data().isValid()) {
+                if (!any && !ids.isEmpty())
+                    ids << 0;
+                ids << action->data().toInt();
+                any = true;
+            }
+        }
+    }
+    return ids;
+}
+
+void CMenuPlaces::ClearCommands(Place& place)
+{
+    auto* bar = qobject_cast<QToolBar*>(place.widget.data());
+    if (!bar)
+        return;
+    const auto actions = bar->actions();
+    for (QAction* action : actions) {
+        // Widgets (whose actions carry no id) and the group lines stay.
+        if (action->data().isValid() && m_commands.Action(action->data().toInt()) == action)
+            bar->removeAction(action);
+    }
+    qDeleteAll(place.customSeparators);
+    place.customSeparators.clear();
+}
+
+void CMenuPlaces::SetToolBarCommands(const QString& toolBarId, const QList<int>& ids)
+{
+    const auto it = m_toolBars.find(toolBarId);
+    auto* bar = ToolBar(toolBarId);
+    if (it == m_toolBars.end() || !bar)
+        return;
+    ClearCommands(*it);
+    for (QAction* separator : std::as_const(it->separators))
+        separator->setVisible(false);
+    // Commands go before the first widget, so the find box stays last.
+    QAction* before = nullptr;
+    for (QAction* action : bar->actions()) {
+        if (!action->isSeparator() && !action->data().isValid()) {
+            before = action;
+            break;
+        }
+    }
+    // A line goes in only between two buttons: none at either end, never two in a row.
+    bool anyButton = false;
+    bool lineWanted = false;
+    for (const int id : ids) {
+        if (id == 0) {
+            lineWanted = anyButton;
+            continue;
+        }
+        QAction* action = m_commands.Action(id);
+        if (!action || bar->actions().contains(action))
+            continue;
+        if (lineWanted) {
+            auto* line = new QAction(bar);
+            line->setSeparator(true);
+            bar->insertAction(before, line);
+            it->customSeparators << line;
+            lineWanted = false;
+        }
+        bar->insertAction(before, action);
+        anyButton = true;
+    }
+    it->customised = true;
+}
+
+void CMenuPlaces::ResetToolBar(const QString& toolBarId)
+{
+    const auto it = m_toolBars.find(toolBarId);
+    auto* bar = ToolBar(toolBarId);
+    if (it == m_toolBars.end() || !bar)
+        return;
+    ClearCommands(*it);
+    for (int g = 0; g < it->groups.size(); ++g) {
+        QAction* before = nullptr;
+        for (int next = g + 1; next < it->groups.size() && !before; ++next)
+            before = it->separators.value(it->groups.at(next));
+        // Back to front, so that each item lands before the one that follows it, widgets
+        // (which never left) included.
+        const QList<QAction*> items = it->items.value(it->groups.at(g));
+        for (auto item = items.crbegin(); item != items.crend(); ++item) {
+            if (!*item)
+                continue;
+            if (!bar->actions().contains(*item))
+                bar->insertAction(before, *item);
+            before = *item;
+        }
+    }
+    it->customised = false;
+    UpdateSeparators(*it);
+}
+
+bool CMenuPlaces::IsToolBarCustomised(const QString& toolBarId) const
+{
+    const auto it = m_toolBars.constFind(toolBarId);
+    return it != m_toolBars.cend() && it->customised;
+}
+
+bool CMenuPlaces::RemoveToolBar(const QString& toolBarId)
+{
+    QToolBar* bar = ToolBar(toolBarId);
+    if (!bar)
+        return false;
+    m_window->removeToolBar(bar);
+    delete bar;
+    m_toolBars.remove(toolBarId);
+    m_toolBarOrder.removeAll(toolBarId);
+    return true;
+}
+
 void CMenuPlaces::Insert(Place& place, const QString& group, QAction* action)
 {
     QWidget* widget = place.widget.data();
@@ -211,6 +336,19 @@ void CMenuPlaces::Insert(Place& place, const QString& group, QAction* action)
     widget->insertAction(before, action);
     items.insert(position, action);
     UpdateSeparators(place);
+    // A command withdrawn later (a deleted user tool) leaves no stale entry behind: a new
+    // action at the same address would otherwise count as already placed.
+    connect(action, &QObject::destroyed, this, [this, action] { Forget(action); });
+}
+
+void CMenuPlaces::Forget(QAction* action)
+{
+    for (auto* places : {&m_menus, &m_toolBars}) {
+        for (Place& place : *places) {
+            for (QList<QAction*>& items : place.items)
+                items.removeAll(action);
+        }
+    }
 }
 
 void CMenuPlaces::UpdateSeparators(Place& place)

@@ -51,6 +51,16 @@ public:
     void AddToolBarWidget(const QString& toolBarId, const QString& group, QWidget* widget);
     // The command ids a toolbar shows, in order (0 for a separator), for customisation.
     QList<int> ToolBarCommands(const QString& toolBarId) const;
+    // What the subsystems put on the toolbar, before any customisation.
+    QList<int> DefaultToolBarCommands(const QString& toolBarId) const;
+    // Shows exactly these commands (0 a separator; ids not registered are skipped).
+    // Widgets on the toolbar (the find box) stay, after the commands.
+    void SetToolBarCommands(const QString& toolBarId, const QList<int>& ids);
+    // Back to the subsystems' layout.
+    void ResetToolBar(const QString& toolBarId);
+    bool IsToolBarCustomised(const QString& toolBarId) const;
+    // Removes a toolbar (one the user made); false when there is none by that id.
+    bool RemoveToolBar(const QString& toolBarId);
 
 private:
     struct Place
@@ -59,8 +69,12 @@ private:
         QStringList groups;
         QHash<QString, QAction*> separators; // the line before each group's first item
         QHash<QString, QList<QAction*>> items;
+        bool customised = false;
+        QList<QAction*> customSeparators; // lines of a customised layout, ours to delete
         QHash<QString, QList<int>> order;
     };
+    void ClearCommands(Place& place);
+    void Forget(QAction* action);
     void Insert(Place& place, const QString& group, QAction* action);
     static void UpdateSeparators(Place& place);
 

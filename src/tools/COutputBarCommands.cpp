@@ -1,7 +1,6 @@
 #include "COutputBarCommands.h"
 
 #include "COutputBar.h"
-#include "CToolResultsPage.h"
 #include "framework/CommandIds.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
@@ -21,12 +20,9 @@ COutputBarCommands::COutputBarCommands(IShell& shell)
                            Qt::BottomDockWidgetArea);
     m_dock->setVisible(false);
 
-    // Pages that came before the bar, then the bar's own, then any that come later.
+    // Pages that came before the bar, then any that come later.
     for (IOutputPage* page : shell.OutputPages())
         m_bar->AddPage(page);
-    m_toolResults = new CToolResultsPage;
-    shell.AddOutputPage(m_toolResults);
-    m_bar->AddPage(m_toolResults);
     connect(&shell.Events(), &CShellEvents::outputPageAdded, m_bar, &COutputBar::AddPage);
     connect(&shell.Events(), &CShellEvents::showOutputPage, this, [this](IOutputPage* page) {
         m_bar->AddPage(page);

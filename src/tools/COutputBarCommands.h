@@ -6,7 +6,6 @@
 #include <QObject>
 #include <QPointer>
 
-class CToolResultsPage;
 class IShell;
 
 // The Output bar in the window: a dock at the bottom holding every page the shell was
@@ -19,7 +18,6 @@ public:
 
     COutputBar* Bar() const { return m_bar; }
     QDockWidget* Dock() const { return m_dock; }
-    CToolResultsPage* ToolResults() const { return m_toolResults; }
 
     static COutputBarCommands* Of(IShell& shell);
 
@@ -27,7 +25,6 @@ private:
     IShell& m_shell;
     QPointer<COutputBar> m_bar;
     QPointer<QDockWidget> m_dock;
-    CToolResultsPage* m_toolResults = nullptr;
 };
 
 // Docks the Output bar, hidden, and registers View > Output Bar.

@@ -5,6 +5,8 @@
 #include <QToolBar>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 // What a menu shows, top to bottom: texts, "-" for a visible line.
@@ -114,6 +116,76 @@ TEST_F(MenuPlacesTest, EmptySubmenusAndToolsStayHiddenUntilSomethingIsAdded)
     menus.AddCommand(MenuId::Tools, MenuGroup::ToolsRun, 20);
     EXPECT_TRUE(tools->menuAction()->isVisible());
     EXPECT_FALSE(lines->menuAction()->isVisible());
+}
+
+} // namespace
+
+namespace {
+
+class ToolBarLayoutTest : public MenuPlacesTest
+{
+protected:
+    void SetUp() override
+    {
+        Register(10, "New");
+        Register(11, "Open");
+        Register(12, "Cut");
+        Register(13, "Print");
+        CMenuPlaces& menus = shell.Menus();
+        menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::File, 10);
+        menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::File, 11);
+        menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Clipboard, 12);
+        menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Print, 13);
+        findBox = new QWidget;
+        menus.AddToolBarWidget(ToolBarId::Standard, ToolBarGroup::Find, findBox);
+    }
+    QWidget* findBox = nullptr;
+};
+
+TEST_F(ToolBarLayoutTest, UserLayoutReplacesTheButtonsKeepsWidgetsAndResetRestoresTheDefault)
+{
+    CMenuPlaces& menus = shell.Menus();
+    // The line before the find box shows as a trailing 0; the default lists commands only.
+    EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{10, 11, 0, 12, 0, 13, 0}));
+    EXPECT_EQ(menus.DefaultToolBarCommands(ToolBarId::Standard), (QList<int>{10, 11, 0, 12, 0, 13}));
+
+    // Leading, doubled and trailing lines fold away; an id nobody registered is skipped.
+    menus.SetToolBarCommands(ToolBarId::Standard, {0, 13, 0, 0, 999, 10, 0});
+    EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{13, 0, 10}));
+    EXPECT_TRUE(menus.IsToolBarCustomised(ToolBarId::Standard));
+    QToolBar* bar = menus.ToolBar(ToolBarId::Standard);
+    auto holdsFindBox = [bar, this] {
+        const auto actions = bar->actions();
+        return std::any_of(actions.cbegin(), actions.cend(),
+                           [bar, this](QAction* a) { return bar->widgetForAction(a) == findBox; });
+    };
+    EXPECT_TRUE(holdsFindBox());
+    // The menus keep their commands whatever the toolbar shows.
+    menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 11);
+    EXPECT_TRUE(menus.Menu(MenuId::File)->actions().contains(shell.Commands().Action(11)));
+
+    // A command a subsystem adds later joins the default, not the user's layout.
+    Register(14, "Find");
+    menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Find, 14);
+    EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{13, 0, 10}));
+
+    menus.ResetToolBar(ToolBarId::Standard);
+    EXPECT_FALSE(menus.IsToolBarCustomised(ToolBarId::Standard));
+    EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{10, 11, 0, 12, 0, 13, 0, 14}));
+    EXPECT_TRUE(holdsFindBox());
+}
+
+TEST_F(ToolBarLayoutTest, AToolBarCanBeRemovedAndItsCommandsLive)
+{
+    CMenuPlaces& menus = shell.Menus();
+    menus.DeclareToolBar(QStringLiteral("User1"), QStringLiteral("Mine"), {MenuGroup::Default});
+    menus.SetToolBarCommands(QStringLiteral("User1"), {12, 13});
+    EXPECT_EQ(menus.ToolBarCommands(QStringLiteral("User1")), (QList<int>{12, 13}));
+    EXPECT_TRUE(menus.RemoveToolBar(QStringLiteral("User1")));
+    EXPECT_FALSE(menus.ToolBarIds().contains(QStringLiteral("User1")));
+    EXPECT_EQ(menus.ToolBar(QStringLiteral("User1")), nullptr);
+    ASSERT_NE(shell.Commands().Action(12), nullptr);
+    EXPECT_FALSE(menus.RemoveToolBar(QStringLiteral("User1")));
 }
 
 } // namespace

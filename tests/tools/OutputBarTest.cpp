@@ -6,7 +6,6 @@
 #include "framework/CommandIds.h"
 #include "tools/COutputBar.h"
 #include "tools/COutputBarCommands.h"
-#include "tools/CToolResultsPage.h"
 
 #include <QAction>
 #include <QDockWidget>
@@ -41,7 +40,7 @@ TEST(OutputBarTest, HostsPagesAddedBeforeAndAfterItInTheOrderTheyCame)
     QStringList titles;
     for (IOutputPage* page : bar->Bar()->Pages())
         titles << page->Title();
-    EXPECT_EQ(titles, (QStringList{"Early", "Tool Results", "Late"}));
+    EXPECT_EQ(titles, (QStringList{"Early", "Late"}));
     EXPECT_EQ(bar->Dock()->objectName(), QStringLiteral("OutputBar")) << "the saved layout knows it by this name";
     EXPECT_EQ(shell.docks, QList<QDockWidget*>{bar->Dock()});
 }
@@ -58,8 +57,10 @@ TEST(OutputBarTest, AskingForAPageShowsTheBarWithThatPageInFront)
     shell.ShowOutputPage(&page);
     EXPECT_TRUE(bar->Dock()->isVisible());
     EXPECT_EQ(bar->Bar()->CurrentPage(), &page);
-    shell.ShowOutputPage(bar->ToolResults());
-    EXPECT_EQ(bar->Bar()->CurrentPage(), bar->ToolResults());
+    TestPage other(QStringLiteral("Other"));
+    shell.AddOutputPage(&other);
+    shell.ShowOutputPage(&other);
+    EXPECT_EQ(bar->Bar()->CurrentPage(), &other);
 }
 
 TEST(OutputBarTest, TheViewCommandTogglesTheBarAndShowsItsState)
@@ -77,18 +78,6 @@ TEST(OutputBarTest, TheViewCommandTogglesTheBarAndShowsItsState)
         shell.Commands().UpdateAll();
         EXPECT_EQ(toggle->isChecked(), visible);
     }
-}
-
-TEST(OutputBarTest, ToolResultsAppendAtTheEndWhateverIsSelected)
-{
-    CToolResultsPage page;
-    page.appendText(QStringLiteral("one\n"));
-    page.selectAll();
-    page.appendText(QStringLiteral("two"));
-    EXPECT_EQ(page.toPlainText(), QStringLiteral("one\ntwo"));
-    EXPECT_TRUE(page.isReadOnly());
-    page.Clear();
-    EXPECT_TRUE(page.toPlainText().isEmpty());
 }
 
 } // namespace
