@@ -5,6 +5,7 @@
 #include "SyntaxXml.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QSaveFile>
 #include <QStringDecoder>
 #include <QStringEncoder>
@@ -78,13 +79,24 @@ bool ScanStartTag(const QByteArray& text, qsizetype nameOffset,
     }
 }
 
-const SyntaxColour* FindColour(const CSyntaxParser& parser, const QString& name)
+// The `occurrence`-th colour called `name` (from 0): a file may give two colours one
+// name, and each element must get its own colour back.
+const SyntaxColour* FindColour(const CSyntaxParser& parser, const QString& name, int occurrence)
 {
     for (int i = 0; i < parser.colourCount; ++i) {
-        if (parser.colours[size_t(i)].name == name)
+        if (parser.colours[size_t(i)].name == name && occurrence-- == 0)
             return &parser.colours[size_t(i)];
     }
     return nullptr;
+}
+
+// Only the elements the reader takes as colours are written to: giving HEXFORE to one it
+// skipped would add a colour to the file.
+bool IsReadAsColour(pugi::xml_node element)
+{
+    const pugi::xml_attribute style = element.attribute("STYLE");
+    const pugi::xml_attribute fore = element.attribute("HEXFORE");
+    return style && fore && *style.value() && *fore.value();
 }
 
 bool EditsForElement(const QByteArray& text, pugi::xml_node element, const SyntaxColour& colour,
@@ -104,7 +116,10 @@ bool EditsForElement(const QByteArray& text, pugi::xml_node element, const Synta
         {"EOLFILLED", colour.eolFilled ? QByteArray("True") : QByteArray("False")},
     };
     QByteArray added;
-    for (const auto& [name, value] : values) {
+    for (const auto& pair : values) {
+        // Plain references: clang 14 cannot capture structured bindings in a lambda.
+        const QByteArray& name = pair.first;
+        const QByteArray& value = pair.second;
         const auto found = std::find_if(attributes.begin(), attributes.end(),
                                         [&name](const AttributeSpan& a) { return a.name == name; });
         if (found != attributes.end())
@@ -194,9 +209,14 @@ bool Write(const CSyntaxParser& parser)
         return false;
 
     std::vector<Edit> edits;
+    QHash<QString, int> seen;
+    int read = 0;
     for (pugi::xml_node set : properties.children("COLOURS")) {
         for (pugi::xml_node element : set.children("COLOUR")) {
-            const SyntaxColour* colour = FindColour(parser, SyntaxXml::InnerText(element).trimmed());
+            if (!IsReadAsColour(element) || read++ >= CSyntaxParser::MaxColours)
+                continue;
+            const QString name = SyntaxXml::InnerText(element).trimmed();
+            const SyntaxColour* colour = FindColour(parser, name, seen[name]++);
             if (colour && !EditsForElement(text.bytes, element, *colour, edits))
                 return false;
         }
