@@ -20,9 +20,9 @@ all_targets=(encoding syntax piecetable hexfind textmatch)
 targets=("$@")
 [ ${#targets[@]} -eq 0 ] && targets=("${all_targets[@]}")
 
-for tool in clang clang++; do
-    command -v "$tool" >/dev/null || { echo "$tool is missing: run scripts/setup.sh --fuzz" >&2; exit 2; }
-done
+if ! command -v clang++ >/dev/null || ! ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1; then
+    "$here/scripts/setup.sh" --fuzz --install-only || exit 2
+fi
 
 flags="-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined -g -O1"
 if [ ! -f "$build/CMakeCache.txt" ]; then
@@ -49,14 +49,12 @@ for t in "${targets[@]}"; do
     rm -f "$artifacts"/*
     log="$build/fuzz-$t.log"
     echo "== $t: ${seconds}s"
-    # -fork keeps going after a crash, so one run can find more than one fault.
+    # One process: a run stops at its first crash, which is kept below.
     "$build/fuzz/fuzz_$t" "$work" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-        -max_len=4096 -print_final_stats=1 -artifact_prefix="$artifacts/" -fork=1 -ignore_crashes=1 \
-        >"$log" 2>&1
+        -max_len=4096 -print_final_stats=1 -artifact_prefix="$artifacts/" >"$log" 2>&1
     runs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | tail -1 | grep -o '[0-9]*$')
     if [ -z "$runs" ]; then
-        # In fork mode the parent reports progress lines only.
-        runs=$(grep -oE '#[0-9]+' "$log" | tail -1 | tr -d '#')
+        runs=$(grep -oE '^#[0-9]+' "$log" | tail -1 | tr -d '#')
     fi
     runs=${runs:-0}
     crashes=0

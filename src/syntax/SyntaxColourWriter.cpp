@@ -3,6 +3,7 @@
 #include "CSyntaxParser.h"
 #include "ColourUtil.h"
 #include "SyntaxXml.h"
+#include "editor/DiskSync.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -238,7 +239,7 @@ bool Write(const CSyntaxParser& parser)
     file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    if (file.write(output) != output.size()) {
+    if (file.write(output) != output.size() || !file.flush() || !SyncToDisk(file.handle(), nullptr)) {
         file.cancelWriting();
         return false;
     }
