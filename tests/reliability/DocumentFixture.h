@@ -9,6 +9,7 @@
 
 #include "TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <gtest/gtest.h>
@@ -32,15 +33,19 @@ protected:
         m_answerer = std::make_unique<TestSupport::ModalAnswerer>();
     }
 
-    void TearDown() override
+    void TearDown() override { CloseAll(); }
+
+    void CloseAll()
     {
         for (CDocument* document : m_template->GetDocuments()) {
             document->SetModifiedFlag(false);
             const auto frames = document->GetFrames();
             for (CChildFrame* frame : frames)
                 delete frame;
-            delete document;
+            // Leaves the template's list; the template deletes it later.
+            document->OnCloseDocument();
         }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     QString Path(const QString& name) const { return QDir(m_dir).filePath(name); }

@@ -40,15 +40,16 @@ TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
     writer.target = path;
     writer.before = Lines(3000, "old");
     writer.after = Lines(4000, "new");
-    TestSupport::WriteFile(path, writer.before);
-    CScrivelDoc* document = Open(path);
-    ASSERT_NE(document, nullptr);
-    Retype(document, writer.after);
-
+    CScrivelDoc* document = nullptr;
     qsizetype shown = 0;
+    // A fresh document each time: one whose file was rewritten behind its back would
+    // rightly ask before saving over it.
     writer.prepare = [&] {
+        CloseAll();
         TestSupport::WriteFile(path, writer.before);
-        document->SetModifiedFlag(true);
+        document = Open(path);
+        ASSERT_NE(document, nullptr);
+        Retype(document, writer.after);
         shown = Messages().size();
     };
     writer.save = [&] { return document->DoSave(path); };

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QMessageBox>
 
 #include <cerrno>
 #include <sys/stat.h>
@@ -32,11 +33,15 @@ TEST_F(SaveTarget, FolderInThePlaceOfTheFileIsRefusedAndKept)
     ASSERT_TRUE(QDir().mkdir(path));
     TestSupport::WriteFile(QDir(path).filePath(QStringLiteral("inside.txt")), "keep me");
 
+    // Told to go over what is there now, the save still can't replace a folder.
+    m_answerer = std::make_unique<TestSupport::ModalAnswerer>(QMessageBox::Yes);
     EXPECT_FALSE(document->DoSave(path));
     EXPECT_TRUE(QFileInfo(path).isDir());
     EXPECT_EQ(TestSupport::ReadFile(QDir(path).filePath(QStringLiteral("inside.txt"))), QByteArray("keep me"));
     EXPECT_TRUE(document->IsModified());
-    EXPECT_EQ(Messages(), QStringList{QString::fromLatin1(SaveFailed)});
+    ASSERT_EQ(Messages().size(), 2);
+    EXPECT_TRUE(Messages()[0].contains(QStringLiteral("has been changed by another program")));
+    EXPECT_EQ(Messages()[1], QString::fromLatin1(SaveFailed));
 }
 
 TEST_F(SaveTarget, LinkIsFollowedAndKept)
