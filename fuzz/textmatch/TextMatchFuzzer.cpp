@@ -12,6 +12,7 @@
 #include <QRegularExpression>
 #include <QString>
 
+#include <cstdio>
 #include <set>
 #include <string>
 #include <tuple>
@@ -132,12 +133,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::string_view line : Lines(block)) {
         if (!line.empty() && line.back() == '\r')
             line.remove_suffix(1);
-        auto it = re.globalMatch(QString::fromUtf8(line.data(), qsizetype(line.size())));
-        while (it.hasNext()) {
-            if (it.next().capturedLength() > 0) {
+        // After an empty match the search moves on by one character, as the matcher
+        // does; it does not look for a longer match at the same place (which a pattern
+        // with an empty alternative, "|ab", would need).
+        const QString subject = QString::fromUtf8(line.data(), qsizetype(line.size()));
+        for (qsizetype from = 0; from <= subject.size();) {
+            const QRegularExpressionMatch m = re.match(subject, from);
+            if (!m.hasMatch())
+                break;
+            if (m.capturedLength() > 0) {
                 expected.insert(number);
                 break;
             }
+            from = m.capturedStart() + 1;
+            if (from < subject.size() && subject[from].isLowSurrogate())
+                ++from;
         }
         ++number;
     }
@@ -145,6 +155,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const Hit& hit : found)
         if (hit.length > 0)
             reported.insert(hit.line);
+    if (reported != expected) {
+        std::fprintf(stderr, "pattern \"%s\"\nmatcher found lines:", query.Pattern().toUtf8().constData());
+        for (qint64 line : reported)
+            std::fprintf(stderr, " %lld", static_cast<long long>(line));
+        std::fprintf(stderr, "\nexpected lines:");
+        for (qint64 line : expected)
+            std::fprintf(stderr, " %lld", static_cast<long long>(line));
+        std::fprintf(stderr, "\n");
+    }
     FUZZ_CHECK(reported == expected);
     return 0;
 }
