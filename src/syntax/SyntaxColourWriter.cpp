@@ -6,7 +6,6 @@
 #include "editor/DiskSync.h"
 
 #include <QFileInfo>
-#include <QHash>
 #include <QSaveFile>
 #include <QStringDecoder>
 #include <QStringEncoder>
@@ -80,24 +79,13 @@ bool ScanStartTag(const QByteArray& text, qsizetype nameOffset,
     }
 }
 
-// The `occurrence`-th colour called `name` (from 0): a file may give two colours one
-// name, and each element must get its own colour back.
-const SyntaxColour* FindColour(const CSyntaxParser& parser, const QString& name, int occurrence)
+const SyntaxColour* FindColour(const CSyntaxParser& parser, const QString& name)
 {
     for (int i = 0; i < parser.colourCount; ++i) {
-        if (parser.colours[size_t(i)].name == name && occurrence-- == 0)
+        if (parser.colours[size_t(i)].name == name)
             return &parser.colours[size_t(i)];
     }
     return nullptr;
-}
-
-// Only the elements the reader takes as colours are written to: giving HEXFORE to one it
-// skipped would add a colour to the file.
-bool IsReadAsColour(pugi::xml_node element)
-{
-    const pugi::xml_attribute style = element.attribute("STYLE");
-    const pugi::xml_attribute fore = element.attribute("HEXFORE");
-    return style && fore && *style.value() && *fore.value();
 }
 
 bool EditsForElement(const QByteArray& text, pugi::xml_node element, const SyntaxColour& colour,
@@ -210,14 +198,9 @@ bool Write(const CSyntaxParser& parser)
         return false;
 
     std::vector<Edit> edits;
-    QHash<QString, int> seen;
-    int read = 0;
     for (pugi::xml_node set : properties.children("COLOURS")) {
         for (pugi::xml_node element : set.children("COLOUR")) {
-            if (!IsReadAsColour(element) || read++ >= CSyntaxParser::MaxColours)
-                continue;
-            const QString name = SyntaxXml::InnerText(element).trimmed();
-            const SyntaxColour* colour = FindColour(parser, name, seen[name]++);
+            const SyntaxColour* colour = FindColour(parser, SyntaxXml::InnerText(element).trimmed());
             if (colour && !EditsForElement(text.bytes, element, *colour, edits))
                 return false;
         }
