@@ -11,6 +11,17 @@ packages=(build-essential cmake ninja-build pkg-config ccache
           libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
           qt6-tools-dev qt6-tools-dev-tools poppler-utils)
 
+# --fuzz also installs clang and its libFuzzer and sanitizer runtimes (scripts/run-fuzzers.sh);
+# --install-only stops after installing. The ordinary build needs g++ alone.
+install_only=0
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --fuzz) packages+=(clang libclang-rt-dev); shift ;;
+        --install-only) install_only=1; shift ;;
+        *) break ;;
+    esac
+done
+
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -22,6 +33,8 @@ if [ ${#missing[@]} -gt 0 ]; then
     "${sudo_cmd[@]}" apt-get update -qq
     DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "${missing[@]}"
 fi
+
+[ "$install_only" = 1 ] && exit 0
 
 generator=()
 if [ ! -f "$build/CMakeCache.txt" ] && command -v ninja >/dev/null; then generator=(-G Ninja); fi

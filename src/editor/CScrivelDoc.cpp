@@ -7,12 +7,14 @@
 #include "TextLoader.h"
 #include "TextSaver.h"
 #include "CEditorCommands.h"
+#include "framework/CChildFrame.h"
 #include "framework/CDocTemplate.h"
 #include "framework/OpenOptions.h"
 #include "settings/MainFrameSettings.h"
 #include "syntax/CSyntaxParserList.h"
 
 #include <QApplication>
+#include <QTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -44,6 +46,14 @@ QString ExtensionOf(const QString& path)
 CScrivelDoc::CScrivelDoc(QObject* parent)
     : CDocument(parent)
 {
+    // Coming back from another program is when its changes to our files show. Asked
+    // after the activation has settled, so that the question gets the focus.
+    if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        connect(app, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationActive)
+                QTimer::singleShot(0, this, &CScrivelDoc::CheckDiskChange);
+        });
+    }
 }
 
 CScrivelDoc::~CScrivelDoc() = default;
@@ -136,6 +146,7 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     editor->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLEENFORCEPOLICY, 0UL);
     editor->GotoLine(0);
 
+    m_diskStamp = FileStamp::Of(path);
     ApplyParserForExtension(ExtensionOf(path));
     if (const CScrivelView* view = GetFirstView(); view && view->Settings().LineNumbers)
         editor->SetLineNumberMargin(true);
@@ -184,6 +195,8 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
     CMFCScintilla* editor = GetEditor();
     if (!editor)
         return false;
+    if (!MayOverwrite(path))
+        return false;
     editor->SetEOLMode(LineEnding);
     Q_EMIT aboutToSave(path);
     const TextSaver::Result result = TextSaver::Save(*editor, path, Encoding, WriteMark);
@@ -197,6 +210,10 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
         ApplyParserForExtension(ExtensionOf(path));
         if (isSaveAs)
             editor->SetReadOnly(false);
+    }
+    if (replace || isSaveAs || path == m_strPathName) {
+        m_diskStamp = FileStamp::Of(path);
+        m_declinedStamp = FileStamp();
     }
     editor->SetSavePoint();
     const CScrivelView* view = GetFirstView();
@@ -257,4 +274,84 @@ void CScrivelDoc::ApplyParserForExtension(const QString& extension)
         if (const int index = parsers->FindByExtension(extension); index >= 0)
             text->SelectParser(index);
     }
+}
+
+bool CScrivelDoc::MayOverwrite(const QString& path)
+{
+    // Only the file we read can have been changed behind our back; a removed one is
+    // simply written again.
+    if (path != m_strPathName || m_diskStamp.Compare(path) != FileStamp::Change::Modified)
+        return true;
+    QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
+                    tr("\"%1\" has been changed by another program since it was read. "
+                       "Overwrite it with this document?")
+                        .arg(QDir::toNativeSeparators(path)),
+                    QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+bool CScrivelDoc::Reload()
+{
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return false;
+    // The encoding found when the file was opened still applies; the control is
+    // refilled in place, so views and their settings stay.
+    const bool readOnly = editor->GetReadOnly();
+    editor->SetReadOnly(false);
+    const TextLoader::Result loaded = TextLoader::Load(*editor, m_strPathName, Encoding, BomLength);
+    editor->SetReadOnly(readOnly);
+    if (!loaded.ok) {
+        ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(m_strPathName), loaded.error));
+        return false;
+    }
+    m_diskStamp = FileStamp::Of(m_strPathName);
+    m_declinedStamp = FileStamp();
+    SetModifiedFlag(false);
+    return true;
+}
+
+void CScrivelDoc::CheckDiskChange()
+{
+    if (m_checkingDisk || m_strPathName.isEmpty() || !m_diskStamp.IsValid())
+        return;
+    const FileStamp::Change change = m_diskStamp.Compare(m_strPathName);
+    const FileStamp now = FileStamp::Of(m_strPathName);
+    if (change == FileStamp::Change::None || (m_declinedStamp.IsValid() && now == m_declinedStamp))
+        return;
+    // A question box activates the program again when it closes: ask once.
+    m_checkingDisk = true;
+    const QString name = QDir::toNativeSeparators(m_strPathName);
+    if (change == FileStamp::Change::Deleted) {
+        QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
+                        tr("\"%1\" has been deleted by another program. Keep it open in the editor?").arg(name),
+                        QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
+        box.setDefaultButton(QMessageBox::Yes);
+        const bool keep = box.exec() == QMessageBox::Yes;
+        m_checkingDisk = false;
+        if (keep) {
+            // The text is now the only copy: mark it so that closing asks to save it.
+            m_diskStamp = FileStamp();
+            SetModifiedFlag(true);
+        } else {
+            // Closed the way the user closes it; unmodified, nothing is asked.
+            SetModifiedFlag(false);
+            const auto frames = GetFrames();
+            for (CChildFrame* frame : frames)
+                frame->close();
+        }
+        return;
+    }
+    QMessageBox box(QMessageBox::Question, QApplication::applicationDisplayName(),
+                    tr("\"%1\" has been changed by another program. Reload it?").arg(name),
+                    QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
+    // Reloading would throw away changes of our own: then No is the safe default.
+    box.setDefaultButton(IsModified() ? QMessageBox::No : QMessageBox::Yes);
+    const bool reload = box.exec() == QMessageBox::Yes;
+    m_checkingDisk = false;
+    if (reload)
+        Reload();
+    else
+        m_declinedStamp = now; // asked again only at the next change; a save still asks
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "framework/CDocument.h"
+#include "FileStamp.h"
 #include "TextEncoding.h"
 
 class CMFCScintilla;
@@ -49,11 +50,24 @@ public:
     // `encoding` (with its mark) and `lineEnding` for new lines, and takes the new name.
     bool SaveAs(const QString& path, int encoding, int lineEnding);
 
+    // Looks whether another program changed or removed the file since it was read or
+    // saved, and asks the user what to do: reload a changed file, keep a removed one
+    // open. Runs when the program becomes active again; asks once per change.
+    void CheckDiskChange();
+
 private:
     void UpdateTitle();
     void ShowError(const QString& text) const;
     bool WriteFile(const QString& path, bool replace, bool isSaveAs);
 
+    // Whether a save may go over the file on disk: true when it is as we last saw it or
+    // the user agreed to overwrite another program's changes.
+    bool MayOverwrite(const QString& path);
+    bool Reload();
+
+    FileStamp m_diskStamp;     // the file as last read or written
+    FileStamp m_declinedStamp; // a change the user chose not to reload
+    bool m_checkingDisk = false;
     void* m_sharedDocument = nullptr;
     QList<CMFCScintilla*> m_editors;
 };

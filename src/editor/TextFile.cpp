@@ -1,5 +1,8 @@
 #include "TextFile.h"
 
+#include "DiskSync.h"
+#include "ReadableFile.h"
+
 #include <QFileInfo>
 
 TextFile::TextFile() = default;
@@ -12,16 +15,7 @@ TextFile::~TextFile()
 bool TextFile::OpenRead(const QString& path)
 {
     Close();
-    m_read.setFileName(path);
-    if (QFileInfo(path).isDir()) {
-        m_error = QObject::tr("Is a directory");
-        return false;
-    }
-    if (!m_read.open(QIODevice::ReadOnly)) {
-        m_error = m_read.errorString();
-        return false;
-    }
-    return true;
+    return ReadableFile::Open(m_read, path, &m_error);
 }
 
 qint64 TextFile::ReadChunk(char* buffer, qint64 maximum)
@@ -81,6 +75,7 @@ bool TextFile::OpenWrite(const QString& path)
         }
         return true;
     }
+    m_owner.Remember(path);
     m_write = std::make_unique<QSaveFile>(path);
     // Where the folder refuses a new file, write the file in place rather than fail.
     m_write->setDirectWriteFallback(true);
@@ -118,6 +113,7 @@ bool TextFile::Commit()
         bool ok = !m_writeFailed && m_direct->flush();
         if (!ok && m_error.isEmpty())
             m_error = m_direct->errorString();
+        ok = ok && SyncToDisk(m_direct->handle(), &m_error);
         m_direct->close();
         m_direct.reset();
         return ok;
@@ -126,9 +122,20 @@ bool TextFile::Commit()
         return false;
     bool ok = !m_writeFailed;
     if (ok) {
+        m_owner.Apply(m_write->handle());
+        if (!m_write->flush()) {
+            ok = false;
+            m_error = m_write->errorString();
+        } else if (!SyncToDisk(m_write->handle(), &m_error)) {
+            ok = false;
+        }
+    }
+    if (ok) {
         ok = m_write->commit();
         if (!ok)
             m_error = m_write->errorString();
+    } else {
+        m_write->cancelWriting();
     }
     m_write.reset();
     return ok;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileOwner.h"
+
 #include <QFile>
 #include <QSaveFile>
 #include <QString>
@@ -40,6 +42,7 @@ private:
     std::unique_ptr<QSaveFile> m_write;
     // Devices and pipes can't be replaced by renaming: they are written in place.
     std::unique_ptr<QFile> m_direct;
+    FileOwner m_owner;
     bool m_writeFailed = false;
     QString m_error;
 };

@@ -1,5 +1,6 @@
 #include "TextFileDetector.h"
 
+#include "ReadableFile.h"
 #include "TextEncoding.h"
 
 #include <QFile>
@@ -122,8 +123,8 @@ void TextFileDetector::ExamineBuffer(const char* data, std::size_t length)
 
 bool TextFileDetector::Examine(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!ReadableFile::Open(file, path, nullptr))
         return false;
     char sample[SampleSize];
     const qint64 got = file.read(sample, SampleSize);

@@ -2,6 +2,8 @@
 
 #include "CByteSearcher.h"
 #include "MappedMemoryGuard.h"
+#include "editor/DiskSync.h"
+#include "editor/FileOwner.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -485,6 +487,8 @@ bool CPieceTable::Save(const QString& path, bool adopt, QString* error, const Pr
         return false;
     }
 
+    FileOwner owner;
+    owner.Remember(path);
     QSaveFile out(path);
     // Writing in place would destroy the bytes we are still reading from, so the file
     // we read from is only ever replaced by a rename.
@@ -499,6 +503,14 @@ bool CPieceTable::Save(const QString& path, bool adopt, QString* error, const Pr
             *error = out.errorString().isEmpty() || out.error() == QFileDevice::NoError
                 ? Tr("The file could not be written.")
                 : out.errorString();
+        out.cancelWriting();
+        return false;
+    }
+    owner.Apply(out.handle());
+    QString syncError;
+    if (!out.flush() || !SyncToDisk(out.handle(), &syncError)) {
+        if (error)
+            *error = syncError.isEmpty() ? out.errorString() : syncError;
         out.cancelWriting();
         return false;
     }

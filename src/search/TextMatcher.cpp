@@ -313,15 +313,20 @@ bool TextMatcher::SearchWholeBlock(std::string_view block, qint64 firstLine, con
         const auto* eol = static_cast<const char*>(std::memchr(data + byteStart, '\n', size - byteStart));
         const std::size_t lineEnd = eol ? std::size_t(eol - data) : size;
         const qsizetype lineEndUnit = text.indexOf(QLatin1Char('\n'), start);
+        const std::size_t byteEnd = byteStart + ByteSpan(data, size, byteStart, end - start, latin1);
+        // The CR of a CRLF line end belongs to the line end, as it does for lines matched
+        // one by one.
+        const bool reachesReturn = lineEnd > lineStart && data[lineEnd - 1] == '\r' && byteEnd >= lineEnd;
 
-        if (lineEndUnit >= 0 && lineEndUnit < end) {
+        if ((lineEndUnit >= 0 && lineEndUnit < end) || reachesReturn) {
             // The match ran over a line end: match that line on its own instead.
             if (!MatchLine(block, lineStart, lineEnd, byteStart - lineStart, line, sink))
                 return false;
+            if (lineEndUnit < 0)
+                return true;
             from = lineEndUnit + 1;
             continue;
         }
-        const std::size_t byteEnd = byteStart + ByteSpan(data, size, byteStart, end - start, latin1);
         qsizetype next = end > start ? end : start + 1;
         bool report = true;
         if (start == end) {

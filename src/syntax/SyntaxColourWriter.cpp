@@ -3,6 +3,7 @@
 #include "CSyntaxParser.h"
 #include "ColourUtil.h"
 #include "SyntaxXml.h"
+#include "editor/DiskSync.h"
 
 #include <QFileInfo>
 #include <QSaveFile>
@@ -104,7 +105,10 @@ bool EditsForElement(const QByteArray& text, pugi::xml_node element, const Synta
         {"EOLFILLED", colour.eolFilled ? QByteArray("True") : QByteArray("False")},
     };
     QByteArray added;
-    for (const auto& [name, value] : values) {
+    for (const auto& pair : values) {
+        // Plain references: clang 14 cannot capture structured bindings in a lambda.
+        const QByteArray& name = pair.first;
+        const QByteArray& value = pair.second;
         const auto found = std::find_if(attributes.begin(), attributes.end(),
                                         [&name](const AttributeSpan& a) { return a.name == name; });
         if (found != attributes.end())
@@ -218,7 +222,7 @@ bool Write(const CSyntaxParser& parser)
     file.setDirectWriteFallback(true);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    if (file.write(output) != output.size()) {
+    if (file.write(output) != output.size() || !file.flush() || !SyncToDisk(file.handle(), nullptr)) {
         file.cancelWriting();
         return false;
     }

@@ -1,17 +1,29 @@
 #include "SyntaxXml.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace SyntaxXml {
 
 bool ReadBytes(const QString& path, QByteArray& bytes)
 {
+    // A pipe in the folder would hold start-up until someone wrote to it.
+    if (!QFileInfo(path).isFile())
+        return false;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return false;
     if (file.size() > MaxFileSize)
         return false;
-    bytes = file.read(MaxFileSize + 1);
+    // What the file says it holds, then whatever it grew by: asking for the largest size
+    // at once would make every small file cost a 16 MB buffer.
+    bytes = file.read(file.size());
+    while (bytes.size() <= MaxFileSize) {
+        const QByteArray more = file.read(64 * 1024);
+        if (more.isEmpty())
+            break;
+        bytes += more;
+    }
     return bytes.size() <= MaxFileSize && file.error() == QFileDevice::NoError;
 }
 

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Prints the reliability figures: for each fuzz target the executions per second and in
+# total over a run of SECONDS (default 60) and the crashes found, then the number of
+# fault-injection cases of every writer and how many left the file intact.
+#
+#   scripts/reliability-figures.sh [SECONDS]
+#
+# Fuzzing uses scripts/run-fuzzers.sh (clang, build-fuzz/); the fault cases come from the
+# ordinary build's test programs (build/, or MORVANE_BUILD_DIR), built when missing.
+set -uo pipefail
+
+here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+seconds="${1:-60}"
+build="${MORVANE_BUILD_DIR:-$here/build}"
+fuzz_build="${MORVANE_FUZZ_BUILD_DIR:-$here/build-fuzz}"
+
+"$here/scripts/run-fuzzers.sh" "$seconds" >/dev/null 2>&1
+echo "Fuzzing, ${seconds} s per target (libFuzzer, ASan+UBSan, one process):"
+printf '  %-12s %12s %14s %8s\n' target execs/s "total execs" crashes
+total_crashes=0
+while read -r name secs runs rate crashes; do
+    printf '  %-12s %12s %14s %8s\n' "$name" "$rate" "$runs" "$crashes"
+    total_crashes=$((total_crashes + crashes))
+done < "$fuzz_build/fuzz-summary.txt"
+echo "  crashes found: $total_crashes (kept under fuzz/<target>/corpus/crash-*)"
+
+echo
+echo "Fault injection (every open, write, sync, rename, link, chmod and copy of a save failed in turn):"
+if [ ! -f "$build/CMakeCache.txt" ]; then
+    cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+fi
+cmake --build "$build" --target test_savefaults test_documentsavefaults >/dev/null || exit 2
+export QT_QPA_PLATFORM=offscreen
+{
+    "$build/tests/reliability/test_savefaults" --gtest_brief=1
+    "$build/tests/reliability/test_documentsavefaults" --gtest_filter='DocumentSaveFaults.*' --gtest_brief=1
+} 2>/dev/null | grep '^fault injection:' | grep -v 'all writers' | sed 's/^fault injection: */  /' |
+    awk '{print} {n=$(NF-6); k=$(NF-4); cases+=n; intact+=k}
+         END {printf "  %-28s %4d cases, %4d left the file intact\n", "all writers", cases, intact}'

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Builds the test suite with AddressSanitizer and UndefinedBehaviorSanitizer (leaks
+# reported) into build-asan/ and runs it. Any report fails the run.
+#
+#   scripts/sanitize.sh            every test, the interface included
+#   scripts/sanitize.sh --core     the widget-free libraries' tests and the fuzz corpora
+#                                  only (what CI runs: the whole suite under the
+#                                  sanitizers does not fit CI's time on two cores)
+#   extra arguments go to ctest, e.g. scripts/sanitize.sh --core -R textio
+#
+# Leaks inside the toolkit's own libraries (fonts, plugins, the platform) are listed in
+# scripts/lsan.supp; a leak of ours is never suppressed.
+set -euo pipefail
+
+here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+build="${MORVANE_ASAN_BUILD_DIR:-$here/build-asan}"
+scope=all
+if [ "${1:-}" = "--core" ]; then scope=core; shift; fi
+if [ "${1:-}" = "--all" ]; then shift; fi
+
+flags="-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined"
+if [ ! -f "$build/CMakeCache.txt" ]; then
+    launcher=()
+    command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    generator=()
+    command -v ninja >/dev/null && generator=(-G Ninja)
+    # -O1 keeps the run quick while the reports keep their line numbers.
+    cmake -S "$here" -B "$build" "${generator[@]}" "${launcher[@]}" \
+        -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
+        -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" \
+        -DCMAKE_SHARED_LINKER_FLAGS="-fsanitize=address,undefined" \
+        -DMORVANE_BUILD_BENCH=OFF >/dev/null
+fi
+if [ "$scope" = core ]; then
+    cmake --build "$build" --parallel "$(nproc)" --target morvane_core_tests
+    labels=(-L core)
+else
+    cmake --build "$build" --parallel "$(nproc)"
+    labels=()
+fi
+
+export QT_QPA_PLATFORM=offscreen
+export ASAN_OPTIONS="detect_leaks=1:detect_stack_use_after_return=1${ASAN_OPTIONS:+:$ASAN_OPTIONS}"
+export LSAN_OPTIONS="suppressions=$here/scripts/lsan.supp:print_suppressions=0${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:suppressions=$here/scripts/ubsan.supp${UBSAN_OPTIONS:+:$UBSAN_OPTIONS}"
+cd "$build"
+ctest --output-on-failure --parallel "$(nproc)" "${labels[@]}" "$@"

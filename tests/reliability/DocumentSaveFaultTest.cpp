@@ -1,0 +1,116 @@
+// Saves of whole documents with each file system call failing in turn: the file stays
+// as it was, the document stays modified and the user is told.
+#include "DocumentFixture.h"
+#include "FaultSweep.h"
+
+#include "hex/CHexDocument.h"
+
+#include <QFile>
+
+namespace {
+
+using FaultInjector::Call;
+
+QByteArray Lines(int count, const char* word)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += word + QByteArray::number(i) + " the quick brown fox\n";
+    return text;
+}
+
+void Report(const char* name, const SweepResult& result)
+{
+    CountSweep(name, result);
+    for (const std::string& problem : result.problems)
+        ADD_FAILURE() << name << ": " << problem;
+    EXPECT_GT(result.calls[int(Call::Write)], 0);
+    EXPECT_GT(result.cases, 5);
+    EXPECT_EQ(result.intact, result.cases);
+    EXPECT_GT(result.failed, result.cases / 2);
+}
+
+using DocumentSaveFaults = DocumentFixture;
+
+TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
+{
+    const QString path = Path(QStringLiteral("story.txt"));
+    SweepWriter writer;
+    writer.folder = m_dir;
+    writer.target = path;
+    writer.before = Lines(3000, "old");
+    writer.after = Lines(4000, "new");
+    CScrivelDoc* document = nullptr;
+    qsizetype shown = 0;
+    // A fresh document each time: one whose file was rewritten behind its back would
+    // rightly ask before saving over it.
+    writer.prepare = [&] {
+        CloseAll();
+        TestSupport::WriteFile(path, writer.before);
+        document = Open(path);
+        ASSERT_NE(document, nullptr);
+        Retype(document, writer.after);
+        shown = Messages().size();
+    };
+    writer.save = [&] { return document->DoSave(path); };
+    writer.check = [&](bool ok) -> std::string {
+        if (document->IsModified() == ok)
+            return ok ? "still modified after a save" : "not modified after a failed save";
+        const QStringList added = Messages().mid(shown);
+        if (ok && !added.isEmpty())
+            return "a message after a good save: " + added.join(' ').toStdString();
+        if (!ok && added != QStringList{QString::fromLatin1(SaveFailed)})
+            return "the failure was not reported as it should be: " + added.join(" | ").toStdString();
+        if (document->GetEditor()->GetText() != writer.after)
+            return "the text in the editor changed";
+        return {};
+    };
+    Report("text document", Sweep(writer));
+}
+
+// The hex document with its messages recorded instead of shown.
+class RecordingHexDocument : public CHexDocument
+{
+public:
+    QStringList messages;
+
+protected:
+    void ShowMessage(QMessageBox::Icon, const QString& text) override { messages.append(text); }
+};
+
+TEST_F(DocumentSaveFaults, HexDocumentKeepsFileAndChangesAndSaysSo)
+{
+    const QString path = Path(QStringLiteral("blob.bin"));
+    SweepWriter writer;
+    writer.folder = m_dir;
+    writer.target = path;
+    writer.before = QByteArray(150000, '\x01');
+    writer.after = writer.before;
+    writer.after.replace(70000, 3, "\xDE\xAD\xBE");
+    writer.after.insert(0, "MAGIC");
+
+    std::unique_ptr<RecordingHexDocument> document;
+    writer.prepare = [&] {
+        document.reset();
+        TestSupport::WriteFile(path, writer.before);
+        document = std::make_unique<RecordingHexDocument>();
+        ASSERT_TRUE(document->OnOpenDocument(path));
+        document->SetPathName(path);
+        ASSERT_TRUE(document->Overwrite(70000, "\xDE\xAD\xBE"));
+        ASSERT_TRUE(document->Insert(0, "MAGIC"));
+    };
+    writer.save = [&] { return document->DoSave(path); };
+    writer.check = [&](bool ok) -> std::string {
+        if (document->IsModified() == ok)
+            return ok ? "still modified after a save" : "not modified after a failed save";
+        if (!ok && document->messages != QStringList{QString::fromLatin1(SaveFailed)})
+            return "the failure was not reported as it should be: " + document->messages.join(" | ").toStdString();
+        if (document->Bytes().Read(0, document->Bytes().Size()) != writer.after)
+            return "the edits were lost";
+        return {};
+    };
+    Report("hex document", Sweep(writer));
+    document.reset();
+}
+
+} // namespace

@@ -1,0 +1,172 @@
+// Every widget-free writer, with each file system call of its save failing in turn.
+#include "FaultSweep.h"
+
+#include "editor/TextFile.h"
+#include "hex/CPieceTable.h"
+#include "syntax/CSyntaxParser.h"
+
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using FaultInjector::Call;
+
+// Large enough that the toolkit's write buffer is flushed several times.
+QByteArray Pattern(int size, char seed)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (int i = 0; i < size; ++i)
+        bytes[i] = char(seed + (i * 7) % 61 + (i % 4093 == 0 ? '\n' : 0));
+    return bytes;
+}
+
+void Expect(const char* name, const SweepResult& result, Call mustFail)
+{
+    CountSweep(name, result);
+    for (const std::string& problem : result.problems)
+        ADD_FAILURE() << name << ": " << problem;
+    // A sweep that never reached the calls that matter tested nothing.
+    EXPECT_GT(result.calls[int(mustFail)], 0) << name;
+    EXPECT_GT(result.cases, 5) << name;
+    EXPECT_EQ(result.intact, result.cases) << name;
+    // Most faults must stop the save; a sweep where none did never reached the disk.
+    EXPECT_GT(result.failed, result.cases / 2) << name;
+    std::printf("%s: %d calls of open, %d of write, %d of sync, %d of rename, %d of link; "
+                "%d of %d faulted saves reported failure\n",
+                name, result.calls[int(Call::Open)], result.calls[int(Call::Write)],
+                result.calls[int(Call::Sync)], result.calls[int(Call::Rename)],
+                result.calls[int(Call::Link)], result.failed, result.cases);
+}
+
+TEST(SaveFaults, TextFileWritesBesideAndRenames)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    const QString path = QDir(folder).filePath(QStringLiteral("notes.txt"));
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = path;
+    writer.before = Pattern(70000, 'a');
+    writer.after = Pattern(90000, 'A');
+    writer.prepare = [&] { TestSupport::WriteFile(path, writer.before); };
+    writer.save = [&] {
+        TextFile file;
+        if (!file.OpenWrite(path))
+            return false;
+        // Pieces the size the saver hands over.
+        for (int at = 0; at < writer.after.size(); at += 32768) {
+            const int n = std::min<int>(32768, int(writer.after.size()) - at);
+            if (!file.Write(writer.after.constData() + at, n))
+                return false;
+        }
+        return file.Commit();
+    };
+    const SweepResult result = Sweep(writer);
+    Expect("text file", result, Call::Write);
+    EXPECT_GT(result.calls[int(Call::Rename)] + result.calls[int(Call::Link)], 0);
+}
+
+TEST(SaveFaults, HexTableSavesOverTheFileItReads)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    const QString path = QDir(folder).filePath(QStringLiteral("image.bin"));
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = path;
+    writer.before = Pattern(200000, '\x10');
+    writer.after = writer.before;
+    writer.after.replace(100, 4, "\x7F" "ELF");
+    writer.after.insert(150000, QByteArray(3000, '\xEE'));
+    writer.after.remove(5, 10);
+    CPieceTable table;
+    writer.prepare = [&] {
+        table.Reset();
+        TestSupport::WriteFile(path, writer.before);
+        ASSERT_TRUE(table.Open(path, nullptr));
+        table.Overwrite(100, "\x7F" "ELF");
+        table.Insert(150000, QByteArray(3000, '\xEE'));
+        table.Remove(5, 10);
+    };
+    writer.save = [&] { return table.Save(path, true, nullptr); };
+    writer.check = [&](bool ok) -> std::string {
+        if (table.IsModified() == ok)
+            return ok ? "still modified after a save" : "no longer modified after a failed save";
+        // After a failure the table must still hold the edits.
+        if (table.Read(0, table.Size()) != writer.after)
+            return "the edits were lost";
+        return {};
+    };
+    Expect("hex table", Sweep(writer), Call::Write);
+}
+
+TEST(SaveFaults, SyntaxColoursEditTheDefinitionFile)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    const QString path = QDir(folder).filePath(QStringLiteral("Demo.config"));
+    QByteArray before = "<?xml version=\"1.0\"?>\n<SYNTAX><PROPERTIES><MENU>Demo</MENU><COLOURS>\n";
+    for (int i = 0; i < 400; ++i)
+        before += "  <COLOUR STYLE=\"" + QByteArray::number(i % 120) + "\" HEXFORE=\"#000000\" HEXBACK=\"#FFFFFF\""
+                  " EOLFILLED=\"False\">Colour" + QByteArray::number(i) + "</COLOUR>\n";
+    before += "</COLOURS></PROPERTIES></SYNTAX>\n";
+    QByteArray after = before;
+    after.replace("HEXFORE=\"#000000\" HEXBACK=\"#FFFFFF\" EOLFILLED=\"False\">Colour7<",
+                  "HEXFORE=\"#FF0000\" HEXBACK=\"#FFFFFF\" EOLFILLED=\"True\">Colour7<");
+
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = path;
+    writer.before = before;
+    writer.after = after;
+    CSyntaxParser parser;
+    writer.prepare = [&] {
+        TestSupport::WriteFile(path, before);
+        ASSERT_TRUE(CSyntaxParser::ReadFile(path, parser));
+        ASSERT_EQ(parser.colours[7].name, QStringLiteral("Colour7"));
+        parser.colours[7].fore = 0x0000FF; // stored as BGR, written as #FF0000
+        parser.colours[7].eolFilled = true;
+    };
+    writer.save = [&] { return parser.SaveColours(); };
+    Expect("syntax colours", Sweep(writer), Call::Write);
+}
+
+} // namespace
+
+namespace {
+
+// The injector itself: only watched files are touched, and the armed call fails once.
+TEST(FaultInjectorItself, FailsTheArmedCallOnWatchedFilesOnly)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    const QString outside = TestSupport::MakeTempDir();
+    const QByteArray watched = QFile::encodeName(QDir(folder).filePath(QStringLiteral("w")));
+    const QByteArray other = QFile::encodeName(QDir(outside).filePath(QStringLiteral("o")));
+    FaultInjector::Watch(QDir(folder).absolutePath().toStdString());
+    FaultInjector::Arm(Call::Write, 2, ENOSPC);
+
+    QFile in(QString::fromUtf8(watched));
+    QFile out(QString::fromUtf8(other));
+    ASSERT_TRUE(in.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    EXPECT_EQ(out.write("x", 1), 1);
+    EXPECT_EQ(out.write("x", 1), 1);
+    EXPECT_EQ(in.write("ab", 2), 2);
+    EXPECT_FALSE(FaultInjector::Fired());
+    EXPECT_EQ(in.write("cd", 2), -1); // the second watched write
+    EXPECT_TRUE(FaultInjector::Fired());
+    EXPECT_EQ(in.write("ef", 2), 2);  // once only
+    EXPECT_EQ(FaultInjector::Calls(Call::Write), 3);
+    EXPECT_EQ(FaultInjector::Calls(Call::Open), 1);
+
+    FaultInjector::Arm(Call::Write, 1, 0, /*shortWrite=*/true);
+    EXPECT_EQ(in.write("0123456789", 10), 10); // QFile goes on after the short write
+    EXPECT_TRUE(FaultInjector::Fired());
+    FaultInjector::Reset();
+    in.close();
+    EXPECT_EQ(TestSupport::ReadFile(QString::fromUtf8(watched)), QByteArray("abef0123456789"));
+}
+
+} // namespace
