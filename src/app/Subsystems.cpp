@@ -3,6 +3,7 @@
 #include "editor/CEditorCommands.h"
 #include "framework/CommandIds.h"
 #include "hex/HexInstall.h"
+#include "recovery/RecoveryInstall.h"
 #include "search/SearchInstall.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
@@ -51,5 +52,6 @@ void InstallSubsystems(IShell& shell)
     InstallSearch(shell);
     InstallHex(shell);
     InstallOutputBar(shell);
+    InstallRecovery(shell);
     ReservePlaces(shell);
 }

@@ -1,0 +1,27 @@
+#include "RecoveryInstall.h"
+
+#include "CRecoveryManager.h"
+#include "framework/CChildFrame.h"
+#include "shell/CShellEvents.h"
+#include "shell/IShell.h"
+
+#include <QDir>
+#include <QMainWindow>
+#include <QStandardPaths>
+
+CRecoveryManager* InstallRecovery(IShell& shell)
+{
+    const QString root =
+        QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).filePath(QStringLiteral("recovery"));
+    auto* manager = new CRecoveryManager(shell, root, shell.Window());
+    CShellEvents& events = shell.Events();
+    QObject::connect(&events, &CShellEvents::documentCreated, manager,
+                     [manager](CDocument* document) { manager->Watch(document); });
+    QObject::connect(&events, &CShellEvents::frameCreated, manager, [manager](CChildFrame* frame) {
+        if (frame)
+            manager->Watch(frame->GetDocument());
+    });
+    QObject::connect(&events, &CShellEvents::firstIdle, manager, [manager] { manager->OfferRecovery(); });
+    QObject::connect(&events, &CShellEvents::aboutToQuit, manager, [manager] { manager->ReleaseClean(); });
+    return manager;
+}
