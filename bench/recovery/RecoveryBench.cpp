@@ -40,12 +40,19 @@ int main(int argc, char** argv)
         return 1;
     }
 
+    {
+        QElapsedTimer t;
+        t.start();
+        editor.SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER);
+        std::printf("closing the gap            %.1f ms\n", t.nsecsElapsed() / 1e6);
+    }
     QElapsedTimer copyTimer;
     copyTimer.start();
     RecoveryEntry entry;
     entry.id = QStringLiteral("doc1");
     entry.time = QDateTime::currentDateTimeUtc();
     QByteArray snapshot = CRecoveryManager::SnapshotText(editor);
+    std::printf("text copied                %.1f ms\n", copyTimer.nsecsElapsed() / 1e6);
     const qint64 bytes = snapshot.size();
     store.Write(entry, std::move(snapshot));
     const double copyMs = copyTimer.nsecsElapsed() / 1e6;
