@@ -1,6 +1,7 @@
 #include "RecoveryInstall.h"
 
 #include "CRecoveryManager.h"
+#include "SessionRestore.h"
 #include "framework/CChildFrame.h"
 #include "shell/CShellEvents.h"
 #include "shell/IShell.h"
@@ -21,7 +22,12 @@ CRecoveryManager* InstallRecovery(IShell& shell)
         if (frame)
             manager->Watch(frame->GetDocument());
     });
-    QObject::connect(&events, &CShellEvents::firstIdle, manager, [manager] { manager->OfferRecovery(); });
+    // Recovered documents first, so the session does not open a second copy of one.
+    QObject::connect(&events, &CShellEvents::firstIdle, manager, [manager, &shell] {
+        manager->OfferRecovery();
+        SessionRestore::Restore(shell);
+    });
+    QObject::connect(&events, &CShellEvents::closing, manager, [&shell] { SessionRestore::Save(shell); });
     QObject::connect(&events, &CShellEvents::aboutToQuit, manager, [manager] { manager->ReleaseClean(); });
     return manager;
 }

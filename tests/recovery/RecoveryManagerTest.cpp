@@ -3,6 +3,8 @@
 #include "editor/TextEncoding.h"
 #include "recovery/CRecoveryDialog.h"
 #include "recovery/CRecoveryManager.h"
+#include "recovery/SessionRestore.h"
+#include "settings/CRegistryStore.h"
 
 #include <Qsci/qsciscintillabase.h>
 #include <QElapsedTimer>
@@ -257,4 +259,79 @@ TEST_F(RecoveryInProgram, AnEntryThatCannotBeReadStaysListed)
     EXPECT_EQ(dialog.Remaining().size(), 1);
     EXPECT_EQ(answer.Texts().size(), 1);
     EXPECT_TRUE(Frame()->ChildFrames().isEmpty());
+}
+
+class SessionInProgram : public RecoveryInProgram
+{
+protected:
+    static void SetRestore(bool on)
+    {
+        CRegistryStore().WriteProfileInt(QStringLiteral("EditSettings"), QStringLiteral("RestoreSession"), on ? 1 : 0);
+    }
+    // Closes the window as the user does.
+    static void CloseProgram()
+    {
+        TestSupport::ModalAnswerer answer(QMessageBox::No);
+        Frame()->close();
+        Settle();
+        App()->Shutdown();
+    }
+    // Starts the program with no file named and lets the first idle moment pass.
+    static void StartAgain()
+    {
+        ASSERT_TRUE(App()->InitInstance({}));
+        WaitFor([] { return false; }, 300);
+        Settle();
+    }
+    // The named documents open now, with their caret positions.
+    static QMap<QString, long> OpenFiles()
+    {
+        QMap<QString, long> files;
+        for (CChildFrame* frame : Frame()->ChildFrames())
+            if (auto* document = qobject_cast<CScrivelDoc*>(frame->GetDocument()); document && !document->GetPathName().isEmpty())
+                files.insert(QFileInfo(document->GetPathName()).fileName(), document->GetEditor()->GetCurrentPos());
+        return files;
+    }
+};
+
+TEST_F(SessionInProgram, FilesReopenWithTheirCaretsWhenTheSettingIsOn)
+{
+    SetRestore(true);
+    CScrivelFrame* first = OpenText("one.txt", "0123456789\nabcdef\n");
+    CScrivelFrame* second = OpenText("two.txt", "short\n");
+    CScrivelFrame* third = OpenText("gone.txt", "soon deleted\n");
+    ASSERT_TRUE(first && second && third);
+    const QString gonePath = third->GetDocument()->GetPathName();
+    Editor(first)->GotoPos(13);
+    Editor(second)->GotoPos(2);
+    CloseProgram();
+    // A file gone since the last exit is left out without a word.
+    QFile::remove(gonePath);
+    StartAgain();
+    const QMap<QString, long> expected{{QStringLiteral("one.txt"), 13}, {QStringLiteral("two.txt"), 2}};
+    EXPECT_EQ(OpenFiles(), expected);
+}
+
+TEST_F(SessionInProgram, NothingReopensWhileTheSettingIsOff)
+{
+    SetRestore(false);
+    ASSERT_NE(OpenText("one.txt", "text\n"), nullptr);
+    CloseProgram();
+    StartAgain();
+    EXPECT_TRUE(OpenFiles().isEmpty());
+    EXPECT_EQ(SessionRestore::Restore(*Frame()), 0);
+}
+
+TEST_F(SessionInProgram, ACaretPastTheEndOfAShortenedFileLandsAtItsEnd)
+{
+    SetRestore(true);
+    CScrivelFrame* frame = OpenText("shrinks.txt", "a long line of text\n");
+    ASSERT_NE(frame, nullptr);
+    const QString path = frame->GetDocument()->GetPathName();
+    Editor(frame)->GotoPos(15);
+    CloseProgram();
+    TestSupport::WriteFile(path, "tiny");
+    StartAgain();
+    const QMap<QString, long> expected{{QStringLiteral("shrinks.txt"), 4}};
+    EXPECT_EQ(OpenFiles(), expected);
 }
