@@ -49,6 +49,10 @@ public:
     // `encoding` (with its mark) and `lineEnding` for new lines, and takes the new name.
     bool SaveAs(const QString& path, int encoding, int lineEnding);
 
+Q_SIGNALS:
+    // The file was too large for text and the user chose the hex view instead.
+    void hexViewRequested(const QString& path);
+
 private:
     void UpdateTitle();
     void ShowError(const QString& text) const;
