@@ -9,6 +9,7 @@
 #include "hex/HexInstall.h"
 #include "printing/PrintCommands.h"
 #include "properties/PropertiesCommands.h"
+#include "recovery/RecoveryInstall.h"
 #include "search/SearchInstall.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
@@ -60,5 +61,6 @@ void InstallSubsystems(IShell& shell)
     InstallProperties(shell);
     InstallHelp(shell);
     InstallTools(shell);
+    InstallRecovery(shell);
     ReservePlaces(shell);
 }

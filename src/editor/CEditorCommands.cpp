@@ -6,6 +6,7 @@
 #include "CScrivelFrame.h"
 #include "CScrivelView.h"
 #include "framework/CommandIds.h"
+#include "framework/OpenOptions.h"
 #include "settings/MainFrameSettings.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
@@ -148,6 +149,15 @@ CEditorCommands::CEditorCommands(IShell& shell, const CSyntaxParserList& parsers
     RegisterCommands();
     // Every text view that appears is handed this host before its file is read.
     connect(&shell.Events(), &CShellEvents::frameCreated, this, &CEditorCommands::AttachFrame);
+    // Queued: the text document that asked is taken down before the hex view opens.
+    connect(&shell.Events(), &CShellEvents::documentCreated, this, [this](CDocument* document) {
+        if (auto* text = qobject_cast<CScrivelDoc*>(document))
+            connect(text, &CScrivelDoc::hexViewRequested, this, [this](const QString& path) {
+                OpenOptions options = OpenOptions::defaults();
+                options.mode = OpenOptions::Hex;
+                m_shell.OpenPath(path, options);
+            }, Qt::QueuedConnection);
+    });
     for (CChildFrame* frame : shell.ChildFrames())
         AttachFrame(frame);
 }

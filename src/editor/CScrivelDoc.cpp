@@ -4,6 +4,7 @@
 #include "CMFCScintilla.h"
 #include "CScrivelFrame.h"
 #include "CScrivelView.h"
+#include "MemoryGuard.h"
 #include "TextLoader.h"
 #include "TextSaver.h"
 #include "CEditorCommands.h"
@@ -18,6 +19,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace {
 
@@ -123,6 +125,20 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     Encoding = options.encoding;
     BomLength = options.bomLength;
     WriteMark = BomLength > 0;
+
+    // A file that will not fit is not loaded blindly: the hex view maps it instead.
+    if (const qint64 needed = MemoryGuard::EstimateTextLoad(QFileInfo(path).size(), Encoding);
+        !MemoryGuard::Fits(needed, MemoryGuard::AvailableMemory())) {
+        QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
+                        tr("This file is too large to open as text"), QMessageBox::Open | QMessageBox::Cancel,
+                        QApplication::activeWindow());
+        box.setInformativeText(QDir::toNativeSeparators(path));
+        box.button(QMessageBox::Open)->setText(tr("Open in &Hex View"));
+        box.setDefaultButton(QMessageBox::Cancel);
+        if (box.exec() == QMessageBox::Open)
+            Q_EMIT hexViewRequested(path);
+        return false;
+    }
 
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress);

@@ -55,6 +55,10 @@ public:
     // open. Runs when the program becomes active again; asks once per change.
     void CheckDiskChange();
 
+Q_SIGNALS:
+    // The file was too large for text and the user chose the hex view instead.
+    void hexViewRequested(const QString& path);
+
 private:
     void UpdateTitle();
     void ShowError(const QString& text) const;

@@ -5,6 +5,7 @@
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
 #include "shell/CShellEvents.h"
+#include "shell/IOutputPage.h"
 #include "shell/IShell.h"
 
 #include <QDockWidget>
