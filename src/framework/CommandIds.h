@@ -109,6 +109,17 @@ enum Id : int {
     CompareIgnoreWhitespace = 36408,
     CompareIgnoreCase = 36409,
     BackupManager = 36410,
+
+    // Line commands and typing help
+    EditMoveLinesUp = 36000,
+    EditMoveLinesDown = 36001,
+    EditDuplicate = 36002,
+    EditJoinLines = 36003,
+    EditSortAscending = 36004,
+    EditSortDescending = 36005,
+    EditSortCaseInsensitive = 36006,
+    EditSortUnique = 36007,
+    EditAutoClose = 36008,
 };
 
 } // namespace Cmd
