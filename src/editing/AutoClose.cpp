@@ -4,6 +4,8 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
+
 namespace {
 
 using Sci = QsciScintillaBase;
@@ -51,7 +53,11 @@ bool InsideStringOrComment(QsciScintillaBase& c, long pos)
 {
     if (pos == 0)
         return false;
-    Send(c, Sci::SCI_COLOURISE, 0, pos + 1);
+    // Style only what the lexer has not reached yet, up to the caret.
+    const long styleTo = std::min(pos + 1, Send(c, Sci::SCI_GETLENGTH));
+    const long styled = Send(c, Sci::SCI_GETENDSTYLED);
+    if (styled < styleTo)
+        Send(c, Sci::SCI_COLOURISE, Send(c, Sci::SCI_POSITIONFROMLINE, Send(c, Sci::SCI_LINEFROMPOSITION, styled)), styleTo);
     const int before = int(Send(c, Sci::SCI_GETSTYLEAT, pos - 1));
     if (!StyleIsTextOrComment(c, before))
         return false;
