@@ -15,6 +15,8 @@
 #include <QCoreApplication>
 #include <QMainWindow>
 
+#include <algorithm>
+
 namespace {
 
 const QString kSection = QStringLiteral("EditSettings");
@@ -112,6 +114,27 @@ void InstallModernEditing(IShell& shell)
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::CaseInsensitive); });
     add(Cmd::EditSortUnique, "Sort &Unique", nullptr, "LinesSort",
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::Unique); });
+
+    auto lexerMarkers = [](QsciScintillaBase& c) {
+        QByteArray lexer(64, '\0');
+        const long size = c.SendScintilla(QsciScintillaBase::SCI_GETLEXERLANGUAGE, 0UL, lexer.data());
+        lexer.truncate(int(std::clamp(size, 0L, 63L)));
+        return BlockCommentMarkers(lexer);
+    };
+    commands.Register({.id = Cmd::EditToggleBlockComment, .text = Tr("Toggle &Block Comment"),
+                       .category = category, .shortcut = QKeySequence(QStringLiteral("Ctrl+Shift+A")),
+                       .run = [editing, lexerMarkers] {
+                           if (QsciScintillaBase* control = editing->Control()) {
+                               const auto markers = lexerMarkers(*control);
+                               ToggleBlockComment(*control, markers.first, markers.second);
+                           }
+                       },
+                       .update = [editing, lexerMarkers](CCmdUI& ui) {
+                           QsciScintillaBase* control = editing->Control();
+                           ui.enabled = control && !control->SendScintilla(QsciScintillaBase::SCI_GETREADONLY)
+                                        && !lexerMarkers(*control).first.isEmpty();
+                       }});
+    menus.AddCommand(MenuId::EditFormat, MenuGroup::FormatComment, Cmd::EditToggleBlockComment);
 
     commands.Register({.id = Cmd::EditAutoClose, .text = Tr("Auto-&Close Brackets and Quotes"),
                        .category = category, .checkable = true,

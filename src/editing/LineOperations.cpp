@@ -241,4 +241,50 @@ bool SortLines(QsciScintillaBase& c, SortOrder order)
     return true;
 }
 
+QPair<QByteArray, QByteArray> BlockCommentMarkers(const QByteArray& lexer)
+{
+    static const struct { const char* lexer; const char* open; const char* close; } kMarkers[] = {
+        {"cpp", "/*", "*/"}, {"cppnocase", "/*", "*/"}, {"css", "/*", "*/"}, {"sql", "/*", "*/"},
+        {"hypertext", "<!--", "-->"}, {"xml", "<!--", "-->"}, {"html", "<!--", "-->"},
+        {"pascal", "{", "}"}, {"lua", "--[[", "]]"}, {"rust", "/*", "*/"}, {"d", "/*", "*/"}};
+    for (const auto& m : kMarkers) {
+        if (lexer == m.lexer)
+            return {m.open, m.close};
+    }
+    return {};
+}
+
+bool ToggleBlockComment(QsciScintillaBase& c, const QByteArray& open, const QByteArray& close)
+{
+    if (ReadOnly(c) || open.isEmpty() || close.isEmpty())
+        return false;
+    long start = Send(c, Sci::SCI_GETSELECTIONSTART);
+    long end = Send(c, Sci::SCI_GETSELECTIONEND);
+    if (start == end) {
+        const int line = int(Send(c, Sci::SCI_LINEFROMPOSITION, start));
+        start = Send(c, Sci::SCI_GETLINEINDENTPOSITION, line);
+        end = LineEnd(c, line);
+        if (start == end)
+            return false;
+    }
+    const QByteArray text = Range(c, start, end);
+    const QByteArray inner = text.trimmed();
+    QByteArray result;
+    if (inner.size() >= open.size() + close.size() && inner.startsWith(open) && inner.endsWith(close)) {
+        const int lead = int(text.indexOf(open));
+        QByteArray body = inner.mid(open.size(), inner.size() - open.size() - close.size());
+        // Take off the spaces a wrap put inside the markers.
+        if (body.startsWith(' ') && body.endsWith(' ') && body.size() >= 2)
+            body = body.mid(1, body.size() - 2);
+        result = text.left(lead) + body + text.mid(lead + inner.size());
+    } else {
+        result = open + ' ' + text + ' ' + close;
+    }
+    UndoStep step(c);
+    Send(c, Sci::SCI_SETTARGETRANGE, start, end);
+    Send(c, Sci::SCI_REPLACETARGET, result.size(), reinterpret_cast<long>(result.constData()));
+    Send(c, Sci::SCI_SETSEL, start, start + result.size());
+    return true;
+}
+
 } // namespace LineOperations

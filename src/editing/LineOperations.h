@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QByteArray>
+#include <QPair>
+
 class QsciScintillaBase;
 
 // Commands that rework whole lines of the selection (or the caret's line). Each is one
@@ -18,5 +21,11 @@ bool JoinLines(QsciScintillaBase& control);
 // Sorts the selection's lines, or the whole document when at most one line is selected.
 // Equal lines keep their order; Unique drops repeats after an ascending sort.
 bool SortLines(QsciScintillaBase& control, SortOrder order);
+
+// The block comment markers of a lexer ("cpp" gives "/*" and "*/"); empty when it has none.
+QPair<QByteArray, QByteArray> BlockCommentMarkers(const QByteArray& lexer);
+// Wraps the selection (or the caret line's text) in the markers, or unwraps it when it is
+// wrapped already. False when there are no markers or the text is read-only.
+bool ToggleBlockComment(QsciScintillaBase& control, const QByteArray& open, const QByteArray& close);
 
 } // namespace LineOperations

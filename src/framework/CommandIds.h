@@ -120,6 +120,7 @@ enum Id : int {
     EditSortCaseInsensitive = 36006,
     EditSortUnique = 36007,
     EditAutoClose = 36008,
+    EditToggleBlockComment = 36009,
 };
 
 } // namespace Cmd

@@ -86,6 +86,29 @@ INSTANTIATE_TEST_SUITE_P(
         LineCase{"MultiByteLines", "\xc3\xa9t\xc3\xa9\nabc\n\xc3\xa0", Asc, "abc\n\xc3\xa0\n\xc3\xa9t\xc3\xa9", nullptr}),
     [](const auto& info) { return std::string(info.param.name); });
 
+bool Block(QsciScintillaBase& c) { return ToggleBlockComment(c, "/*", "*/"); }
+bool Markup(QsciScintillaBase& c) { return ToggleBlockComment(c, "<!--", "-->"); }
+
+INSTANTIATE_TEST_SUITE_P(
+    BlockComment, LineOperationTest,
+    ::testing::Values(
+        LineCase{"WrapsTheCaretLinesTextPastItsIndent", "  a = |b;\nc", Block, "  /* a = b; */\nc", "/* a = b; */"},
+        LineCase{"UnwrapsTheCaretLine", "  /* a| */\nc", Block, "  a\nc", "a"},
+        LineCase{"WrapsASelectionOverLines", "x[a\nb]y", Block, "x/* a\nb */y", nullptr},
+        LineCase{"UnwrapsASelectionWrappedWithoutSpaces", "[/*a*/]", Block, "a", "a"},
+        LineCase{"MarkupMarkers", "[<p>]", Markup, "<!-- <p> -->", nullptr}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(LineOperations, BlockCommentMarkersComeFromTheLexer)
+{
+    EXPECT_EQ(BlockCommentMarkers("cpp"), qMakePair(QByteArray("/*"), QByteArray("*/")));
+    EXPECT_EQ(BlockCommentMarkers("hypertext").first, QByteArray("<!--"));
+    EXPECT_TRUE(BlockCommentMarkers("python").first.isEmpty());
+    BareControl bare{"a|"};
+    EXPECT_FALSE(ToggleBlockComment(bare.control, "", ""));
+    EXPECT_EQ(bare.Text(), QByteArray("a"));
+}
+
 struct EdgeCase
 {
     const char* name;
@@ -110,7 +133,8 @@ INSTANTIATE_TEST_SUITE_P(Edges, LineOperationAtTheEdge,
                          ::testing::Values(EdgeCase{"UpAtFirstLine", "a|a\nb", Up},
                                            EdgeCase{"DownAtLastLine", "a\nb|b", Down},
                                            EdgeCase{"DownWithSelectionReachingLastLine", "[a\nb]", Down},
-                                           EdgeCase{"JoinAtLastLine", "a\n|b", Join}),
+                                           EdgeCase{"JoinAtLastLine", "a\n|b", Join},
+                                           EdgeCase{"BlockCommentOnAnEmptyLine", "a\n  |\nb", Block}),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST(LineOperations, ReadOnlyTextIsNotChanged)

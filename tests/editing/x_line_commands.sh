@@ -1,5 +1,5 @@
 #!/bin/bash
-# In a real window: Alt+Down twice moves a line, "f(x" then ")" types over the paired
+# In a real window: Alt+Down twice moves a line, Ctrl+Shift+A wraps the line above in a block comment, "f(x" then ")" types over the paired
 # bracket, Ctrl+S saves; the file is read back. Run from the project root after building morvane.
 set -u
 . /work/shared/tools/xwindow.sh
@@ -9,6 +9,7 @@ e2e_x
 e2e_start "$file"
 sleep 3
 e2e_keys ctrl+Home Down Down alt+Down alt+Down
+e2e_keys Up ctrl+shift+a
 e2e_keys ctrl+End Up End Return
 xdotool type --delay 80 'f(x'
 xdotool key --delay 80 parenright semicolon
@@ -16,5 +17,5 @@ e2e_keys ctrl+s
 sleep 1
 e2e_shot "${1:-/tmp/line_commands.png}"
 e2e_quit
-expected=$(printf 'int main()\n{\n    alpha();\n    Beta();\n    zeta();\n}\nf(x);\n')
+expected=$(printf 'int main()\n{\n    alpha();\n    /* Beta(); */\n    zeta();\n}\nf(x);\n')
 [ "$(cat "$file")" = "$expected" ] && echo "line commands: ok" || { echo "line commands: FAILED"; cat "$file"; exit 1; }
