@@ -2,6 +2,7 @@
 
 #include "backup/CBackupManager.h"
 #include "compare/CCompareCommands.h"
+#include "editing/EditingInstall.h"
 #include "editor/CEditorCommands.h"
 #include "fileexplorer/CFileExplorerPage.h"
 #include "framework/CommandIds.h"
@@ -48,6 +49,7 @@ void InstallSubsystems(IShell& shell)
 {
     const CSyntaxParserList& parsers = InstallSyntax(shell);
     InstallEditor(shell, parsers);
+    InstallModernEditing(shell);
     InstallSearch(shell);
     InstallHex(shell);
     InstallOutputBar(shell);

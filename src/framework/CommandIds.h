@@ -125,6 +125,18 @@ enum Id : int {
     CustomiseOptions = 34023,
     NextToolResult = 36700,
     PreviousToolResult = 36701,
+
+    // Line commands and typing help
+    EditMoveLinesUp = 36000,
+    EditMoveLinesDown = 36001,
+    EditDuplicate = 36002,
+    EditJoinLines = 36003,
+    EditSortAscending = 36004,
+    EditSortDescending = 36005,
+    EditSortCaseInsensitive = 36006,
+    EditSortUnique = 36007,
+    EditAutoClose = 36008,
+    EditToggleBlockComment = 36009,
 };
 
 } // namespace Cmd

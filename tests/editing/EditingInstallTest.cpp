@@ -1,0 +1,51 @@
+// The line commands installed into the program's shell: their keys and places, and that they
+// act on the active text view.
+#include "CFakeShell.h"
+#include "TestSupport.h"
+
+#include "app/Subsystems.h"
+#include "framework/CommandIds.h"
+#include "shell/CCommandRegistry.h"
+#include "shell/CMenuPlaces.h"
+
+#include <QAction>
+#include <QMenu>
+#include <gtest/gtest.h>
+
+namespace {
+
+class EditingInstallTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        TestSupport::ClearSettings();
+        InstallSubsystems(m_shell);
+    }
+    CFakeShell m_shell;
+};
+
+TEST_F(EditingInstallTest, LineCommandsHaveTheirKeysAndSitInEditLines)
+{
+    CCommandRegistry& commands = m_shell.Commands();
+    const struct { int id; const char* key; } expected[] = {
+        {Cmd::EditMoveLinesUp, "Alt+Up"}, {Cmd::EditMoveLinesDown, "Alt+Down"},
+        {Cmd::EditDuplicate, "Ctrl+D"}, {Cmd::EditJoinLines, "Ctrl+J"}};
+    for (const auto& e : expected) {
+        EXPECT_EQ(commands.CommandForShortcut(QKeySequence(QString::fromLatin1(e.key))), e.id) << e.key;
+        EXPECT_EQ(commands.Spec(e.id)->category, QStringLiteral("Edit"));
+    }
+    const QList<QAction*> lines = m_shell.Menus().Menu(MenuId::EditLines)->actions();
+    for (const int id : {int(Cmd::EditMoveLinesUp), int(Cmd::EditSortUnique), int(Cmd::EditJoinLines)})
+        EXPECT_TRUE(lines.contains(commands.Action(id))) << id;
+}
+
+TEST_F(EditingInstallTest, WithoutATextViewTheCommandsAreOffAndHarmless)
+{
+    CCommandRegistry& commands = m_shell.Commands();
+    EXPECT_FALSE(commands.State(Cmd::EditMoveLinesUp).enabled);
+    commands.Execute(Cmd::EditSortAscending);
+    EXPECT_TRUE(commands.State(Cmd::EditAutoClose).checked);
+}
+
+} // namespace
