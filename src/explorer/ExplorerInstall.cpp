@@ -1,10 +1,14 @@
 #include "ExplorerInstall.h"
 
 #include "CExplorerBar.h"
+#include "CSolutionBarList.h"
+#include "CSolutionBarProjTree.h"
+#include "WorkspaceDocumentHook.h"
 #include "ExplorerCommandIds.h"
 #include "ExplorerPageKind.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
+#include "shell/CShellEvents.h"
 #include "shell/IShell.h"
 #include "shell/MenuPlaces.h"
 
@@ -60,10 +64,97 @@ void RegisterToggles(IShell& shell, CExplorerBar* bar)
     shell.Menus().AddCommand(MenuId::View, MenuGroup::ViewBars, all.id);
 }
 
+void RegisterWorkspaceCommands(IShell& shell, CExplorerBar* bar, CSolutionBarProjTree* tree)
+{
+    CWorkspace* workspace = &tree->Workspace();
+    auto add = [&shell](int id, const char* text, std::function<void()> run,
+                        std::function<void(CCmdUI&)> update, const char* iconName = nullptr) {
+        CommandSpec spec;
+        spec.id = id;
+        spec.text = Tr(text);
+        spec.category = Tr("File");
+        spec.run = std::move(run);
+        spec.update = std::move(update);
+        if (iconName)
+            spec.iconName = QString::fromLatin1(iconName);
+        shell.Commands().Register(spec);
+    };
+    auto whenOpen = [workspace](CCmdUI& ui) { ui.enabled = workspace->IsWorkspaceOpen(); };
+    // On the bar's strip they also wait for a page of the kinds that has tools.
+    auto onStrip = [workspace, bar](CCmdUI& ui) {
+        ui.enabled = workspace->IsWorkspaceOpen() && bar->PageKind() != ExplorerPageKind::CodeLibrary;
+    };
+    add(ExplorerCmd::AddFolder, QT_TRANSLATE_NOOP("Explorer", "Add Folder"),
+        [workspace] { workspace->AddNewFolder(); }, onStrip, "folder-new");
+    add(ExplorerCmd::DeleteFolder, QT_TRANSLATE_NOOP("Explorer", "Delete Folder"),
+        [workspace] { workspace->DeleteFolder(); }, onStrip, "edit-delete");
+    add(ExplorerCmd::RenameFolder, QT_TRANSLATE_NOOP("Explorer", "Rename Folder"),
+        [workspace] { workspace->RenameFolder(); }, onStrip, "edit-rename");
+
+    add(ExplorerCmd::WorkspaceNew, QT_TRANSLATE_NOOP("Explorer", "&Workspace"),
+        [tree] { tree->CommandNewWorkspace(); }, nullptr);
+    add(ExplorerCmd::WorkspaceOpen, QT_TRANSLATE_NOOP("Explorer", "Op&en Workspace"),
+        [tree] { tree->CommandOpenWorkspace(); }, nullptr);
+    add(ExplorerCmd::WorkspaceSave, QT_TRANSLATE_NOOP("Explorer", "Sa&ve Workspace"),
+        [tree] { tree->CommandSaveWorkspace(); }, whenOpen);
+    add(ExplorerCmd::WorkspaceClose, QT_TRANSLATE_NOOP("Explorer", "Close &Workspace"),
+        [workspace] { workspace->CloseWorkspace(); }, whenOpen);
+
+    // "Workspace" belongs with File > New where the window has that submenu.
+    if (shell.Menus().Menu(QString::fromLatin1(MenuId::FileNew)))
+        shell.Menus().AddCommand(MenuId::FileNew, MenuGroup::Default, ExplorerCmd::WorkspaceNew);
+    else
+        shell.Menus().AddCommand(MenuId::File, MenuGroup::FileWorkspace, ExplorerCmd::WorkspaceNew);
+    for (int id : {ExplorerCmd::WorkspaceOpen, ExplorerCmd::WorkspaceSave, ExplorerCmd::WorkspaceClose})
+        shell.Menus().AddCommand(MenuId::File, MenuGroup::FileWorkspace, id);
+}
+
 } // namespace
 
 void InstallExplorer(IShell& shell)
 {
+    // The project tree exists from the start: documents add their files to it at once.
+    auto* tree = new CSolutionBarProjTree(shell);
+    auto* list = new CSolutionBarList(shell);
     auto* bar = new CExplorerBar(shell);
     RegisterToggles(shell, bar);
+    RegisterWorkspaceCommands(shell, bar, tree);
+    QObject::connect(tree, &CSolutionBarProjTree::showRequested, bar,
+                     [bar] { bar->ShowPage(ExplorerPageKind::Project); });
+    shell.AddExplorerPage(tree);
+    shell.AddExplorerPage(list);
+    // Pages the bar never showed have no parent yet; they go with the bar.
+    for (QWidget* page : {static_cast<QWidget*>(tree), static_cast<QWidget*>(list)})
+        if (!page->parent())
+            page->setParent(bar), page->hide();
+
+    tree->Workspace().NewWorkspace();
+    QObject::connect(&shell.Events(), &CShellEvents::documentCreated, tree,
+                     [tree](CDocument* document) { WorkspaceDocumentHook::Watch(document, tree->Workspace()); });
+    // Leaving the program with an unsaved workspace asks as closing the workspace does.
+    QObject::connect(&shell.Events(), &CShellEvents::closing, tree, [tree] {
+        CWorkspace& workspace = tree->Workspace();
+        if (workspace.IsWorkspaceOpen() && workspace.IsModified() && tree->AskSaveBeforeClose())
+            workspace.SaveWorkspace();
+    });
+}
+
+CSolutionBarProjTree* ProjectTree(IShell& shell)
+{
+    for (IExplorerPage* page : shell.ExplorerPages())
+        if (page->PageKind() == ExplorerPageKind::Project)
+            if (auto* tree = dynamic_cast<CSolutionBarProjTree*>(page))
+                return tree;
+    return nullptr;
+}
+
+bool OpenWorkspaceIfProjectFile(IShell& shell, const QString& path)
+{
+    if (!path.endsWith(QStringLiteral(".spf"), Qt::CaseInsensitive))
+        return false;
+    if (CSolutionBarProjTree* tree = ProjectTree(shell)) {
+        tree->OpenWorkspaceFile(path);
+        return true;
+    }
+    return false;
 }

@@ -50,6 +50,13 @@ Q_SIGNALS:
     void modifiedChanged(bool modified);
     void pathNameChanged(const QString& path, bool addToRecent);
     void closing();
+    // A save is about to write `path`: the target is settled and nothing is written yet,
+    // so a listener may still copy the old file away.
+    void aboutToSave(const QString& path);
+    // `path` now holds the document.
+    void saved(const QString& path);
+    // The document was read from `path`.
+    void loaded(const QString& path);
 
 protected:
     QString m_strPathName;
