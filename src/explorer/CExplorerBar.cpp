@@ -110,7 +110,9 @@ void CExplorerBar::BuildPages()
     if (m_tabs->count() > 0)
         m_tabs->setCurrentIndex(active);
     m_building = false;
-    OnCurrentTabChanged(m_tabs->currentIndex());
+    // The kept active page stays wanted while it is absent (its subsystem may come later).
+    UpdatePageTools();
+    Q_EMIT activePageChanged(PageKind());
     UpdateVisibility();
 }
 
