@@ -59,9 +59,13 @@ CTreeNode* CTreeItemModel::Insert(CTreeNode* parent, int row, const QString& tex
     node->data = data;
     node->owner = holder;
     CTreeNode* raw = node.get();
-    beginInsertRows(parent ? IndexOf(parent) : QModelIndex(), row, row);
-    holder->children.insert(holder->children.begin() + row, std::move(node));
-    endInsertRows();
+    if (m_batch) {
+        holder->children.insert(holder->children.begin() + row, std::move(node));
+    } else {
+        beginInsertRows(parent ? IndexOf(parent) : QModelIndex(), row, row);
+        holder->children.insert(holder->children.begin() + row, std::move(node));
+        endInsertRows();
+    }
     ++m_count;
     if (m_observer)
         m_observer->NodeAdded(raw);
@@ -99,11 +103,29 @@ void CTreeItemModel::Clear()
     endResetModel();
 }
 
+void CTreeItemModel::BeginBatch()
+{
+    if (m_batch)
+        return;
+    m_batch = true;
+    beginResetModel();
+}
+
+void CTreeItemModel::EndBatch()
+{
+    if (!m_batch)
+        return;
+    m_batch = false;
+    endResetModel();
+}
+
 void CTreeItemModel::SetText(CTreeNode* node, const QString& text)
 {
     if (!node || node->text == text)
         return;
     node->text = text;
+    if (m_batch)
+        return;
     const QModelIndex index = IndexOf(node);
     Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
 }

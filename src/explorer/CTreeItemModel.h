@@ -74,6 +74,9 @@ public:
     // Removes the node and its subtree.
     void Remove(CTreeNode* node);
     void Clear();
+    // Many inserts as one reset: views lay the tree out once at the end.
+    void BeginBatch();
+    void EndBatch();
     void SetText(CTreeNode* node, const QString& text);
     void SetData(CTreeNode* node, const TreeItemData& data);
     void SetImages(CTreeNode* node, int image, int selectedImage);
@@ -99,4 +102,5 @@ private:
     CTreeNode m_top; // holds the top-level items; never shown
     ITreeNodeObserver* m_observer = nullptr;
     int m_count = 0;
+    bool m_batch = false;
 };

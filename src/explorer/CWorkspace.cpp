@@ -72,9 +72,19 @@ bool CWorkspace::OpenWorkspace(const QString& path)
     // Open before the walk, so that files read at the top level do not start a new
     // unnamed workspace of their own.
     m_open = true;
+    m_reading = true;
+    m_expandAfterRead.clear();
+    m_model.BeginBatch();
     WorkspaceFile::Read(document, *this);
     if (m_model.IsEmpty())
         AddFolder(nullptr, QStringLiteral("Project"));
+    m_model.EndBatch();
+    m_reading = false;
+    for (CTreeNode* folder : std::as_const(m_expandAfterRead))
+        Q_EMIT expandRequested(folder);
+    m_expandAfterRead.clear();
+    m_expandedWhileReading.clear();
+    Q_EMIT selectRequested(m_selected);
     SetModified(false);
     return true;
 }
@@ -205,7 +215,7 @@ CTreeNode* CWorkspace::AddFile(const QString& path, CTreeNode* parent, int type,
         SetModified(true);
     }
     Select(parent);
-    Q_EMIT expandRequested(parent);
+    RequestExpand(parent);
     return item;
 }
 
@@ -277,7 +287,18 @@ QString CWorkspace::GetItemPath(const CTreeNode* item)
 void CWorkspace::Select(CTreeNode* node)
 {
     m_selected = node;
-    Q_EMIT selectRequested(node);
+    if (!m_reading)
+        Q_EMIT selectRequested(node);
+}
+
+void CWorkspace::RequestExpand(CTreeNode* node)
+{
+    if (!m_reading)
+        Q_EMIT expandRequested(node);
+    else if (node && !m_expandedWhileReading.contains(node)) {
+        m_expandedWhileReading.insert(node);
+        m_expandAfterRead << node;
+    }
 }
 
 void CWorkspace::NodeAdded(CTreeNode* node)

@@ -5,6 +5,7 @@
 
 #include <QMultiHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 
 // The questions and messages of the workspace, answered by the window (or by a test).
@@ -95,8 +96,15 @@ private:
     CTreeNode* FolderFor(CTreeNode* item) const;
     CTreeNode* SearchFrom(const QString& key, CTreeNode* start) const;
 
+    void RequestSelect(CTreeNode* node);
+    void RequestExpand(CTreeNode* node);
+
     CTreeItemModel m_model;
     IWorkspacePrompts* m_prompts = nullptr;
+    // While a file is read the view hears of selection and expansion once, at the end.
+    bool m_reading = false;
+    QList<CTreeNode*> m_expandAfterRead;
+    QSet<CTreeNode*> m_expandedWhileReading;
     QString m_path;
     QString m_title;
     bool m_open = false;
