@@ -149,6 +149,7 @@ QToolBar* CExplorerBar::StripFor(IExplorerPage* page)
     strip->setIconSize(QSize(16, 16));
     strip->setFloatable(false);
     strip->setMovable(false);
+    strip->setToolButtonStyle(Qt::ToolButtonIconOnly);
     if (kind == ExplorerPageKind::Project)
         strip->setWindowTitle(tr("Control Center"));
     for (int id : ids) {

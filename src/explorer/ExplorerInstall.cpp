@@ -12,7 +12,8 @@
 #include "shell/IShell.h"
 #include "shell/MenuPlaces.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QStyle>
 #include <QMainWindow>
 
 namespace {
@@ -68,7 +69,8 @@ void RegisterWorkspaceCommands(IShell& shell, CExplorerBar* bar, CSolutionBarPro
 {
     CWorkspace* workspace = &tree->Workspace();
     auto add = [&shell](int id, const char* text, std::function<void()> run,
-                        std::function<void(CCmdUI&)> update, const char* iconName = nullptr) {
+                        std::function<void(CCmdUI&)> update, const char* iconName = nullptr,
+                        QStyle::StandardPixmap fallback = QStyle::SP_CustomBase) {
         CommandSpec spec;
         spec.id = id;
         spec.text = Tr(text);
@@ -77,6 +79,9 @@ void RegisterWorkspaceCommands(IShell& shell, CExplorerBar* bar, CSolutionBarPro
         spec.update = std::move(update);
         if (iconName)
             spec.iconName = QString::fromLatin1(iconName);
+        if (fallback != QStyle::SP_CustomBase)
+            // The theme's icon where the desktop has one, else the style's.
+            spec.icon = QIcon::fromTheme(spec.iconName, QApplication::style()->standardIcon(fallback));
         shell.Commands().Register(spec);
     };
     auto whenOpen = [workspace](CCmdUI& ui) { ui.enabled = workspace->IsWorkspaceOpen(); };
@@ -85,11 +90,12 @@ void RegisterWorkspaceCommands(IShell& shell, CExplorerBar* bar, CSolutionBarPro
         ui.enabled = workspace->IsWorkspaceOpen() && bar->PageKind() != ExplorerPageKind::CodeLibrary;
     };
     add(ExplorerCmd::AddFolder, QT_TRANSLATE_NOOP("Explorer", "Add Folder"),
-        [workspace] { workspace->AddNewFolder(); }, onStrip, "folder-new");
+        [workspace] { workspace->AddNewFolder(); }, onStrip, "folder-new", QStyle::SP_FileDialogNewFolder);
     add(ExplorerCmd::DeleteFolder, QT_TRANSLATE_NOOP("Explorer", "Delete Folder"),
-        [workspace] { workspace->DeleteFolder(); }, onStrip, "edit-delete");
+        [workspace] { workspace->DeleteFolder(); }, onStrip, "edit-delete", QStyle::SP_TrashIcon);
     add(ExplorerCmd::RenameFolder, QT_TRANSLATE_NOOP("Explorer", "Rename Folder"),
-        [workspace] { workspace->RenameFolder(); }, onStrip, "edit-rename");
+        [workspace] { workspace->RenameFolder(); }, onStrip, "edit-rename",
+        QStyle::SP_FileDialogDetailedView);
 
     add(ExplorerCmd::WorkspaceNew, QT_TRANSLATE_NOOP("Explorer", "&Workspace"),
         [tree] { tree->CommandNewWorkspace(); }, nullptr);
