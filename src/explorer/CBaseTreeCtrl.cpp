@@ -1,7 +1,9 @@
 #include "CBaseTreeCtrl.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
@@ -192,6 +194,17 @@ bool CBaseTreeCtrl::BeginDrag(CTreeNode* item)
     m_dropValid = false;
     m_dropTarget = nullptr;
     m_hoverItem = nullptr;
+    if (!m_dragImage) {
+        m_dragImage = new QLabel(viewport());
+        m_dragImage->setAttribute(Qt::WA_TransparentForMouseEvents);
+        m_dragImage->setAutoFillBackground(true);
+        m_dragImage->setFrameShape(QFrame::Box);
+    }
+    m_dragImage->setTextFormat(Qt::PlainText);
+    m_dragImage->setText(item->text);
+    m_dragImage->adjustSize();
+    m_dragImage->move(viewport()->mapFromGlobal(QCursor::pos()) - QPoint(20, 10));
+    m_dragImage->show();
     return true;
 }
 
@@ -199,6 +212,8 @@ void CBaseTreeCtrl::DragMove(const QPoint& viewportPos)
 {
     if (!m_dragging)
         return;
+    if (m_dragImage)
+        m_dragImage->move(viewportPos - QPoint(20, 10));
     CTreeNode* item = NodeAt(viewportPos);
     if (item != m_hoverItem) {
         m_hoverTimer.stop();
@@ -247,6 +262,8 @@ void CBaseTreeCtrl::ResetDrag()
     m_hoverTimer.stop();
     if (m_dragging)
         viewport()->unsetCursor();
+    if (m_dragImage)
+        m_dragImage->hide();
     m_dragging = false;
     m_dropValid = false;
     m_dragItem = nullptr;

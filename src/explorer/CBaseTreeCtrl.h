@@ -99,6 +99,8 @@ private:
     CTreeNode* m_dropTarget = nullptr;
     CTreeNode* m_dropHighlight = nullptr;
     QTimer m_hoverTimer;
+    // The dragged item's picture, following the pointer.
+    class QLabel* m_dragImage = nullptr;
     CTreeNode* m_pressItem = nullptr;
     QPoint m_pressPos;
 };
