@@ -96,10 +96,12 @@ void CBaseTreeCtrl::SelectNode(CTreeNode* node)
     if (!m_model)
         return;
     const QModelIndex index = m_model->IndexOf(node);
-    if (index.isValid())
-        setCurrentIndex(index);
-    else
-        clearSelection(), setCurrentIndex({});
+    if (!index.isValid()) {
+        clearSelection();
+        setCurrentIndex({});
+        return;
+    }
+    setCurrentIndex(index);
 }
 
 void CBaseTreeCtrl::ExpandNode(CTreeNode* node)
@@ -281,8 +283,10 @@ void CBaseTreeCtrl::ForgetNodesWithin(CTreeNode* removed)
         return;
     if ((m_dragItem && m_dragItem->IsWithin(removed)) || (m_dropTarget && m_dropTarget->IsWithin(removed)))
         ResetDrag();
-    if (m_hoverItem && m_hoverItem->IsWithin(removed))
-        m_hoverItem = nullptr, m_hoverTimer.stop();
+    if (m_hoverItem && m_hoverItem->IsWithin(removed)) {
+        m_hoverItem = nullptr;
+        m_hoverTimer.stop();
+    }
     if (m_dropHighlight && m_dropHighlight->IsWithin(removed))
         m_dropHighlight = nullptr;
     if (m_pressItem && m_pressItem->IsWithin(removed))

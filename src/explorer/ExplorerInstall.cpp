@@ -130,9 +130,12 @@ void InstallExplorer(IShell& shell)
     shell.AddExplorerPage(tree);
     shell.AddExplorerPage(list);
     // Pages the bar never showed have no parent yet; they go with the bar.
-    for (QWidget* page : {static_cast<QWidget*>(tree), static_cast<QWidget*>(list)})
-        if (!page->parent())
-            page->setParent(bar), page->hide();
+    for (QWidget* page : {static_cast<QWidget*>(tree), static_cast<QWidget*>(list)}) {
+        if (!page->parent()) {
+            page->setParent(bar);
+            page->hide();
+        }
+    }
 
     tree->Workspace().NewWorkspace();
     QObject::connect(&shell.Events(), &CShellEvents::documentCreated, tree,
