@@ -3,95 +3,85 @@
 #include "framework/CChildFrame.h"
 #include "framework/IStatusSink.h"
 #include "settings/MainFrameSettings.h"
-#include "syntax/CSyntaxParserList.h"
+#include "shell/IShell.h"
 
-#include <QHash>
 #include <QMainWindow>
 #include <QPointer>
-#include <functional>
+#include <map>
 
-class CDocument;
-class CHistoryComboBox;
+class CCommandRegistry;
+class CMenuPlaces;
 class CMorvaneApp;
-class CScrivelDoc;
-class CScrivelFrame;
-class CScrivelView;
+class CShellEvents;
 class KeyboardIndicators;
-class QComboBox;
-class QFont;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
-class QMenu;
 class QProgressBar;
 class QTabBar;
-class QToolBar;
 
-// The main window: the MDI area with its document tabs, the menus, toolbar and status
-// bar, the settings every view shares, and the commands not tied to one document.
-class CMainFrame : public QMainWindow, public IProgressSink
+// The main window: the MDI area with its document tabs, the status bar and the dock
+// host. It is the shell every subsystem installs itself into; its own commands (files,
+// windows and tabs, help) are in FrameCommands.cpp.
+class CMainFrame : public QMainWindow, public IShell, public IProgressSink
 {
     Q_OBJECT
 public:
     explicit CMainFrame(CMorvaneApp* app);
     ~CMainFrame() override;
 
-    // Reads the settings and builds the window; it stays hidden until ShowMainWindow.
+    // Reads the settings, builds the window and installs the subsystems; it stays
+    // hidden until ShowMainWindow.
     bool Create();
     // Restores the bar layout and the window's place, then shows it.
     void ShowMainWindow();
 
-    // The syntax definitions behind View As, comment commands and colouring.
-    const CSyntaxParserList& Parsers() const { return m_parsers; }
-    MainFrameSettings& Settings() { return m_settings; }
-    const MainFrameSettings& Settings() const { return m_settings; }
-    QMdiArea* MdiArea() const { return m_mdiArea; }
-    CChildFrame* ActiveChild() const;
-    QList<CChildFrame*> ChildFrames() const;
-
-    // Brings forward the document open under `path`; false when there is none.
-    bool ActivateOpenDocument(const QString& path);
-    void ApplyParserForExtension(CScrivelDoc* document, const QString& extension);
-
-    // Commands: every menu and toolbar entry is a QAction carrying its command id. The
-    // active child frame is offered the command first, then the frame's own handler.
-    QAction* AddCommand(int id, const QString& text, const QKeySequence& shortcut,
-                        std::function<void()> handler,
-                        std::function<void(CCmdUI&)> update = {});
-    QAction* Action(int id) const { return m_actions.value(id); }
-    void OnCommand(int id);
-    // Refreshes the enabled and checked state of every command.
-    void UpdateCommandUI();
-    // Asks for an update pass when the event loop is next idle.
-    void RequestCommandUpdate();
+    // IShell
+    QMainWindow* Window() override { return this; }
+    CCommandRegistry& Commands() override { return *m_commands; }
+    CMenuPlaces& Menus() override { return *m_menus; }
+    CShellEvents& Events() override { return *m_events; }
+    MainFrameSettings& Settings() override { return m_settings; }
+    CChildFrame* ActiveChild() const override;
+    CDocument* ActiveDocument() const override;
+    QList<CChildFrame*> ChildFrames() const override;
+    void ActivateChild(CChildFrame* frame) override;
+    void AddChildFrame(CChildFrame* frame) override;
+    CDocument* OpenPath(const QString& path, const OpenOptions& options = OpenOptions::defaults()) override;
+    CDocument* NewDocument(int mode = OpenOptions::Text) override;
+    bool ActivateOpenDocument(const QString& path) override;
+    IProgressSink& Progress() override { return *this; }
+    void ShowStatusMessage(const QString& text, int timeoutMs = 0) override;
+    void AddStatusWidget(QWidget* widget, int stretch = 0) override;
+    QDockWidget* AddDock(const QString& objectName, const QString& title, QWidget* widget,
+                         Qt::DockWidgetArea area) override;
+    void AddOutputPage(IOutputPage* page) override;
+    QList<IOutputPage*> OutputPages() const override { return m_outputPages; }
+    void ShowOutputPage(IOutputPage* page) override;
+    void AddExplorerPage(IExplorerPage* page) override;
+    QList<IExplorerPage*> ExplorerPages() const override { return m_explorerPages; }
+    void AddPropertyPage(int order, PropertyPageFactory factory) override;
+    QList<PropertyPageFactory> PropertyPages() const override;
+    void AddModelessWindow(QWidget* window) override;
+    void RequestCommandUpdate() override;
 
     // IProgressSink
     void StartProgress(qint64 range) override;
     void SetProgress(qint64 done) override;
     void StopProgress() override;
 
+    const MainFrameSettings& Settings() const { return m_settings; }
+    QMdiArea* MdiArea() const { return m_mdiArea; }
     QString PositionText() const;
-    // Every new child frame is announced here, so the title follows it.
+    // Every new child frame is announced here: the title follows it and the subsystems
+    // hear of it.
     void OnFrameCreated(CChildFrame* frame);
+    void OnDocumentCreated(CDocument* document);
 
-    // The text views of all CScrivelFrame children; other kinds of child are left out.
-    QList<CScrivelView*> TextViews() const;
-    // The active child when it is a text frame, else null.
-    CScrivelFrame* ActiveTextFrame() const;
-
-    // The toolbar's find box: an editable combo box that remembers what was searched.
-    CHistoryComboBox* FindBox() const { return m_findBox; }
-    QString FindText() const;
-
-    // Modeless windows (find, replace, ...) are destroyed first when the frame closes.
-    void AddModelessWindow(QWidget* window);
-
-    // The View As submenu, filled by the syntax menu helper.
-    QMenu* ViewAsSubMenu() const { return m_viewAsMenu; }
-
-    // Takes face (at most 31 characters), weight, slant and size of `font` into the view
-    // settings and gives them to every text view.
-    void ApplyFont(const QFont& font);
+    // The registry's actions, for the application's own tests and start-up.
+    QAction* Action(int id) const;
+    void OnCommand(int id);
+    void UpdateCommandUI();
 
     // Document tabs: alignment index 0 left, 1 top, 2 right, 3 bottom.
     int TabAlignment() const { return m_tabAlignment; }
@@ -99,38 +89,24 @@ public:
     void SetTabAlignment(int index);
     void ToggleTabs();
 
-Q_SIGNALS:
-    // Before the window asks about unsaved work: the modeless windows are gone by now.
-    void closing();
-
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void CreateActions();
-    void CreateEditActions();
-    void CreateViewActions();
-    void CreateWindowActions();
-    void CreateMenus();
-    void CreateToolBar();
-    void CreateStatusBar();
+    // FrameCommands.cpp
+    void RegisterFrameCommands();
     void RebuildRecentFilesMenu();
     void RebuildWindowList();
+    void OnCloseAllButSelected();
+    void OnCheckForUpdates();
+    void OnCopyFilePath();
+    void OnOpenContainingFolder();
+
+    void CreateStatusBar();
+    void ApplyFallbackIcon(int id);
     void OnSubWindowActivated(QMdiSubWindow* window);
     void UpdateTitle();
     void UpdateIndicators();
-    CDocument* ActiveDocument() const;
-
-    void ToggleViewSetting(int id);
-    void OnViewFont();
-    void OnNavigate(bool forward);
-    void OnCloseAllButSelected();
-    void OnCheckForUpdates();
-    void OnNewWindow();
-    void OnGoto();
-    void OnNothingToFind();
-    void OnCopyFilePath();
-    void OnOpenContainingFolder();
     void InstallTabs();
     void UninstallTabs();
     void ShowTabContextMenu(const QPoint& position);
@@ -138,20 +114,12 @@ private:
 
     CMorvaneApp* m_app;
     MainFrameSettings m_settings;
-    CSyntaxParserList m_parsers;
+    CCommandRegistry* m_commands = nullptr;
+    CMenuPlaces* m_menus = nullptr;
+    CShellEvents* m_events = nullptr;
     QMdiArea* m_mdiArea = nullptr;
-    QHash<int, QAction*> m_actions;
-    QHash<int, std::function<void()>> m_handlers;
-    QHash<int, std::function<void(CCmdUI&)>> m_updaters;
-    QMenu* m_fileMenu = nullptr;
-    QMenu* m_recentMenu = nullptr;
-    QMenu* m_viewAsMenu = nullptr;
-    QMenu* m_viewMenu = nullptr;
-    QMenu* m_windowMenu = nullptr;
+    QList<QAction*> m_recentActions;
     QList<QAction*> m_windowListActions;
-    QMenu* m_tabContextMenu = nullptr;
-    QToolBar* m_toolBar = nullptr;
-    CHistoryComboBox* m_findBox = nullptr;
     QLabel* m_positionLabel = nullptr;
     QLabel* m_overtypeLabel = nullptr;
     QLabel* m_capsLabel = nullptr;
@@ -160,10 +128,12 @@ private:
     KeyboardIndicators* m_indicators = nullptr;
     QPointer<QTabBar> m_tabBar;
     QList<QPointer<QWidget>> m_modeless;
+    QList<IOutputPage*> m_outputPages;
+    QList<IExplorerPage*> m_explorerPages;
+    std::multimap<int, PropertyPageFactory> m_propertyPages;
     int m_tabAlignment = 1;
     QProgressBar* m_progress = nullptr;
     qint64 m_progressRange = 0;
-    bool m_updatePending = false;
+    bool m_shown = false;
     QMetaObject::Connection m_statusConnection;
-    QMetaObject::Connection m_titleConnection;
 };

@@ -10,12 +10,10 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/TextFileDetector.h"
+#include "explorer/ExplorerInstall.h"
 #include "hex/HexTemplate.h"
-#include "search/CFindInFilesCommands.h"
-#include "search/CSearchCommands.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 
@@ -51,7 +49,6 @@ void CMorvaneApp::Shutdown()
     m_pHexTemplate = nullptr;
     delete m_handOff;
     m_handOff = nullptr;
-    m_navigation = NavigationHistory();
     m_openOptions = OpenOptions::defaults();
 }
 
@@ -114,17 +111,13 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     m_pMainFrame = new CMainFrame(this);
     if (!m_pMainFrame->Create())
         return false;
-    CSearchCommands* search = CSearchCommands::Install(m_pMainFrame);
-    // The find and replace dialogs are the first thing to go when the window closes.
-    connect(m_pMainFrame, &CMainFrame::closing, search, &CSearchCommands::DestroyDialogs);
-    CFindInFilesCommands::Install(m_pMainFrame);
-    for (CDocTemplate* docTemplate : {m_pTextTemplate, m_pHexTemplate})
+    for (CDocTemplate* docTemplate : {m_pTextTemplate, m_pHexTemplate}) {
+        if (!docTemplate)
+            continue;
+        connect(docTemplate, &CDocTemplate::documentCreated, m_pMainFrame, &CMainFrame::OnDocumentCreated);
         connect(docTemplate, &CDocTemplate::frameCreated, m_pMainFrame, &CMainFrame::OnFrameCreated);
-    m_pTextTemplate->SetMdiArea(m_pMainFrame->MdiArea());
-    m_pTextTemplate->SetProgressSink(m_pMainFrame);
-    if (m_pHexTemplate) {
-        m_pHexTemplate->SetMdiArea(m_pMainFrame->MdiArea());
-        m_pHexTemplate->SetProgressSink(m_pMainFrame);
+        docTemplate->SetMdiArea(m_pMainFrame->MdiArea());
+        docTemplate->SetProgressSink(m_pMainFrame);
     }
 
     m_handOff = new FileHandOff(this);
@@ -179,9 +172,12 @@ CDocument* CMorvaneApp::RouteOpenFile(const QString& path)
         return NewDocument();
     if (m_pMainFrame && m_pMainFrame->ActivateOpenDocument(path))
         return nullptr;
+    // A workspace file opens as the workspace, not as a document.
+    if (m_pMainFrame && OpenWorkspaceIfProjectFile(*m_pMainFrame, path))
+        return nullptr;
 
     TextFileDetector probe;
-    if (probe.Examine(path) && m_openOptions.encoding == 4) {
+    if (probe.Examine(path) && m_openOptions.encoding == TextEncoding::Auto) {
         m_openOptions.encoding = probe.Encoding();
         m_openOptions.bomLength = probe.BomLength();
     }
@@ -251,28 +247,12 @@ void CMorvaneApp::OnFileOpen()
         return;
     OpenOptions options;
     options.encoding = dialog.GetEncoding();
-    options.bomLength = options.encoding == 0 ? 3 : (options.encoding == 1 || options.encoding == 2) ? 2 : 0;
+    options.bomLength = TextEncoding::MarkLength(options.encoding);
     options.mode = dialog.GetViewAs();
     options.readOnly = dialog.GetReadOnly();
     const QStringList paths = dialog.GetPathNames();
     for (const QString& path : paths) {
         m_openOptions = options;
-        RouteOpenFile(path);
-    }
-}
-
-void CMorvaneApp::OnFileOpenAsHex()
-{
-    QFileDialog dialog(m_pMainFrame, tr("Open as Hex"));
-    dialog.setFileMode(QFileDialog::ExistingFiles);
-    dialog.setNameFilter(tr("All Files (*)"));
-    dialog.setOption(QFileDialog::DontUseNativeDialog, true);
-    dialog.setOption(QFileDialog::ReadOnly, false);
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    const QStringList paths = dialog.selectedFiles();
-    for (const QString& path : paths) {
-        m_openOptions.mode = OpenOptions::Hex;
         RouteOpenFile(path);
     }
 }

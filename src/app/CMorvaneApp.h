@@ -1,7 +1,6 @@
 #pragma once
 
 #include "CMainFrame.h"
-#include "settings/NavigationHistory.h"
 #include "framework/OpenOptions.h"
 #include "settings/RecentFileList.h"
 
@@ -14,8 +13,7 @@ class CDocument;
 class FileHandOff;
 
 // The application object: document templates, the pending open request, the recent
-// files and the navigation history, and the one routine through which every file of
-// the program is opened.
+// files, and the one routine through which every file of the program is opened.
 class CMorvaneApp : public QApplication
 {
     Q_OBJECT
@@ -24,8 +22,8 @@ public:
     ~CMorvaneApp() override;
 
     static CMorvaneApp* Instance();
-    // The main frame of the running application; null where there is none (tests of
-    // documents without an application).
+    // The main frame of the running application, for the application's own start-up
+    // and tests; subsystems are handed the shell instead.
     static CMainFrame* MainFrame();
 
     // Start-up: settings, templates, main frame, files from the command line and from
@@ -60,17 +58,13 @@ public:
 
     CDocTemplate* GetTextTemplate() const { return m_pTextTemplate; }
     CDocTemplate* GetHexTemplate() const { return m_pHexTemplate; }
-    NavigationHistory& GetNavigation() { return m_navigation; }
     RecentFileList& GetRecentFiles() { return m_recentFiles; }
 
     CMainFrame* GetMainFrame() const { return m_pMainFrame; }
-    QWidget* GetActiveView() const { return m_pActiveView; }
-    void SetActiveView(QWidget* view) { m_pActiveView = view; }
 
     // Commands of the application.
     void OnFileNew();
     void OnFileOpen();
-    void OnFileOpenAsHex();
     void OnFileSaveAll();
     void OnAppAbout();
 
@@ -83,8 +77,6 @@ private:
     void WatchDocuments(CDocTemplate* docTemplate);
 
     QPointer<CMainFrame> m_pMainFrame;
-    QPointer<QWidget> m_pActiveView;
-    NavigationHistory m_navigation;
     CDocTemplate* m_pTextTemplate = nullptr;
     CDocTemplate* m_pHexTemplate = nullptr;
     OpenOptions m_openOptions;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TextEncoding.h"
+
 #include <QFileDialog>
 #include <QStringList>
 
@@ -46,7 +48,7 @@ private:
     bool m_isOpen;
     int m_filterIndex = 0;
     int m_lineEnding = 0;
-    int m_encoding = 4;
+    int m_encoding = TextEncoding::Auto;
     int m_viewAs = 2;
     QComboBox* m_encodingBox = nullptr;
     QComboBox* m_viewAsBox = nullptr;

@@ -6,10 +6,11 @@
 #include "CScrivelView.h"
 #include "TextLoader.h"
 #include "TextSaver.h"
+#include "CEditorCommands.h"
 #include "framework/CDocTemplate.h"
-#include "app/CMainFrame.h"
-#include "app/CMorvaneApp.h"
 #include "framework/OpenOptions.h"
+#include "settings/MainFrameSettings.h"
+#include "syntax/CSyntaxParserList.h"
 
 #include <QApplication>
 #include <QDir>
@@ -114,14 +115,14 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     WriteMark = BomLength > 0;
 
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
-    const TextLoader::Result loaded = TextLoader::Load(*editor, path, Encoding, BomLength, progress);
-    if (!loaded.ok) {
-        ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), loaded.error));
+    const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress);
+    if (!read.ok) {
+        ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), read.error));
         return false;
     }
 
     const QFileInfo info(path);
-    NeedsSaveAs = TextEncoding::IsReadOnlyForm(Encoding) || loaded.lostBytes > 0;
+    NeedsSaveAs = TextEncoding::IsReadOnlyForm(Encoding) || read.lostBytes > 0;
     ReadOnly = options.readOnly || (info.exists() && !info.isWritable()) || NeedsSaveAs;
 
     const int eol = DetectLineEnding(*editor);
@@ -136,9 +137,10 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     editor->GotoLine(0);
 
     ApplyParserForExtension(ExtensionOf(path));
-    if (CMainFrame* frame = CMorvaneApp::MainFrame(); frame && frame->Settings().view.LineNumbers)
+    if (const CScrivelView* view = GetFirstView(); view && view->Settings().LineNumbers)
         editor->SetLineNumberMargin(true);
     CDocument::OnOpenDocument(path);
+    Q_EMIT loaded(path);
     return true;
 }
 
@@ -183,8 +185,9 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
     if (!editor)
         return false;
     editor->SetEOLMode(LineEnding);
-    const TextSaver::Result saved = TextSaver::Save(*editor, path, Encoding, WriteMark);
-    if (!saved.ok) {
+    Q_EMIT aboutToSave(path);
+    const TextSaver::Result result = TextSaver::Save(*editor, path, Encoding, WriteMark);
+    if (!result.ok) {
         QMessageBox::warning(QApplication::activeWindow(), QApplication::applicationDisplayName(),
                              tr("Failed to create a new file when saving the current document"));
         return false;
@@ -196,10 +199,12 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
             editor->SetReadOnly(false);
     }
     editor->SetSavePoint();
-    const CMainFrame* frame = CMorvaneApp::MainFrame();
-    if (!frame || frame->Settings().ResetUndoOnSave)
+    const CScrivelView* view = GetFirstView();
+    const CEditorCommands* host = view ? view->Host() : nullptr;
+    if (!host || host->FrameSettings().ResetUndoOnSave)
         editor->EmptyUndoBuffer();
     SetModifiedFlag(false);
+    Q_EMIT saved(path);
     return true;
 }
 
@@ -243,6 +248,13 @@ void CScrivelDoc::GoToLineColumn(long line, long column)
 
 void CScrivelDoc::ApplyParserForExtension(const QString& extension)
 {
-    if (CMainFrame* frame = CMorvaneApp::MainFrame())
-        frame->ApplyParserForExtension(this, extension);
+    // The first definition that lists the extension wins; none leaves the colouring alone.
+    for (CChildFrame* frame : GetFrames()) {
+        auto* text = qobject_cast<CScrivelFrame*>(frame);
+        const CSyntaxParserList* parsers = text ? text->ParserList() : nullptr;
+        if (!parsers)
+            continue;
+        if (const int index = parsers->FindByExtension(extension); index >= 0)
+            text->SelectParser(index);
+    }
 }

@@ -37,8 +37,8 @@ public:
     // Whether the frame's parser indents after an opening brace.
     bool IndentsAfterBrace() const;
 
-    // The parser list the View As commands choose from. Without one set here, the main
-    // frame's list is used where there is a main frame.
+    // The parser list the View As commands choose from; the editor's host sets the
+    // program's list on every new frame.
     void SetParserList(const CSyntaxParserList* list) { m_parserList = list; }
     const CSyntaxParserList* ParserList() const;
 

@@ -4,21 +4,15 @@
 #include "CScrivelDoc.h"
 #include "CScrivelFrame.h"
 #include "framework/CChildFrame.h"
-#include "app/CMainFrame.h"
-#include "app/CMorvaneApp.h"
+#include "CEditorCommands.h"
+#include "CTextSearch.h"
 #include "framework/CommandIds.h"
-#include "search/CTextSearch.h"
+#include "shell/IShell.h"
 #include "syntax/SyntaxApplier.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QDesktopServices>
-#include <QDir>
 #include <QEvent>
-#include <QFileInfo>
 #include <QMenu>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace {
@@ -45,8 +39,7 @@ CScrivelView::CScrivelView(CScrivelDoc* document, QWidget* parent)
     if (m_document)
         m_document->AttachView(m_editor);
 
-    const CMainFrame* frame = CMorvaneApp::MainFrame();
-    ApplyViewSettings(frame ? frame->Settings().view : ViewSettings());
+    ApplyViewSettings(ViewSettings());
 
     connect(m_editor, &Sci::SCN_SAVEPOINTREACHED, this, [this] {
         if (m_document)
@@ -66,22 +59,41 @@ CScrivelView::CScrivelView(CScrivelDoc* document, QWidget* parent)
 
 CScrivelView::~CScrivelView()
 {
-    if (CMorvaneApp* app = CMorvaneApp::Instance()) {
-        app->GetNavigation().RemoveView(this);
-        if (app->GetActiveView() == this)
-            app->SetActiveView(nullptr);
+    if (m_host) {
+        // Positions of a view that is gone are never offered again.
+        m_host->Navigation().RemoveView(this);
+        if (m_host->ActiveView() == this)
+            m_host->SetActiveView(nullptr);
     }
     if (m_document)
         m_document->DetachView(m_editor);
 }
 
+void CScrivelView::SetHost(CEditorCommands* host)
+{
+    m_host = host;
+    if (host)
+        ApplyViewSettings(host->View());
+}
+
+CEditorCommands* CScrivelView::Host() const
+{
+    return m_host;
+}
+
 const ViewSettings& CScrivelView::Settings() const
 {
-    // In the program the main frame's settings are the live ones: its toggles change
-    // them for every view at once.
-    if (const CMainFrame* frame = CMorvaneApp::MainFrame())
-        return frame->Settings().view;
+    // With a host its settings are the live ones: the toggles change them for every
+    // view at once.
+    if (m_host)
+        return m_host->View();
     return m_settings;
+}
+
+void CScrivelView::RequestCommandUpdate()
+{
+    if (m_host)
+        m_host->Shell().RequestCommandUpdate();
 }
 
 CScrivelFrame* CScrivelView::GetFrame() const
@@ -95,10 +107,8 @@ CScrivelFrame* CScrivelView::GetFrame() const
 
 bool CScrivelView::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_editor && event->type() == QEvent::FocusIn) {
-        if (CMorvaneApp* app = CMorvaneApp::Instance())
-            app->SetActiveView(this);
-    }
+    if (watched == m_editor && event->type() == QEvent::FocusIn && m_host)
+        m_host->SetActiveView(this);
     return QWidget::eventFilter(watched, event);
 }
 
@@ -210,10 +220,9 @@ void CScrivelView::GotoPosition(long position)
 void CScrivelView::RecordNavigation(long from, long to)
 {
     m_lastCaret = to;
-    CMorvaneApp* app = CMorvaneApp::Instance();
-    if (!app || from == to)
+    if (!m_host || from == to)
         return;
-    NavigationHistory& history = app->GetNavigation();
+    NavigationHistory& history = m_host->Navigation();
     // A step back or forward through the history lands on the entry under its cursor;
     // recording it again would move the cursor to the newest entry.
     const int cursor = history.Cursor();
@@ -257,8 +266,7 @@ void CScrivelView::OnUpdateUi()
     const bool selection = m_editor->HasSelection();
     if (selection || m_hasSelection) {
         m_hasSelection = selection;
-        if (CMainFrame* frame = CMorvaneApp::MainFrame())
-            frame->RequestCommandUpdate();
+        RequestCommandUpdate();
     }
     if (Settings().MatchBracket) {
         m_editor->HighlightBrace();
@@ -282,10 +290,8 @@ void CScrivelView::OnModified(int position, int type, const char* text, int leng
         m_editor->SetLineNumberMargin(true);
     // Undo, Redo and the like change with every edit; the menus catch up once the
     // event loop is idle.
-    if (type & (Sci::SC_MOD_INSERTTEXT | Sci::SC_MOD_DELETETEXT)) {
-        if (CMainFrame* frame = CMorvaneApp::MainFrame())
-            frame->RequestCommandUpdate();
-    }
+    if (type & (Sci::SC_MOD_INSERTTEXT | Sci::SC_MOD_DELETETEXT))
+        RequestCommandUpdate();
 }
 
 void CScrivelView::OnMarginClick(int position, int modifiers, int margin)
@@ -442,16 +448,6 @@ bool CScrivelView::OnCmdMsg(int id)
     case Cmd::EditTrimTrailing:
         ConvertWholeDocument(QStringLiteral("[ \\t]+$"), QString(), Sci::SCFIND_REGEXP);
         break;
-    case Cmd::CopyFilePath:
-        if (!m_document || m_document->GetPathName().isEmpty())
-            return false;
-        QApplication::clipboard()->setText(QDir::toNativeSeparators(m_document->GetPathName()));
-        break;
-    case Cmd::OpenContainingFolder:
-        if (!m_document || m_document->GetPathName().isEmpty())
-            return false;
-        QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(m_document->GetPathName()).absolutePath()));
-        break;
     default:
         return false;
     }
@@ -461,7 +457,6 @@ bool CScrivelView::OnCmdMsg(int id)
 void CScrivelView::OnUpdateCmdUI(int id, CCmdUI& ui) const
 {
     const CMFCScintilla& e = *m_editor;
-    const bool hasPath = m_document && !m_document->GetPathName().isEmpty();
     switch (id) {
     case Cmd::EditUndo: ui.enabled = e.CanUndo(); break;
     case Cmd::EditRedo: ui.enabled = e.CanRedo(); break;
@@ -472,10 +467,6 @@ void CScrivelView::OnUpdateCmdUI(int id, CCmdUI& ui) const
     case Cmd::EditCopyAppend:
     case Cmd::CreateTemplateFromSelection:
         ui.enabled = e.GetSelectionSize() > 0;
-        break;
-    case Cmd::CopyFilePath:
-    case Cmd::OpenContainingFolder:
-        ui.enabled = hasPath;
         break;
     case Cmd::EditSelectAll:
     case Cmd::EditSelectWord:
@@ -514,6 +505,10 @@ void CScrivelView::OnUpdateCmdUI(int id, CCmdUI& ui) const
 
 QMenu* CScrivelView::CreateContextMenu()
 {
+    if (m_host)
+        return m_host->CreateContextMenu();
+
+    // Standing alone: local actions carried out by this view.
     struct Entry
     {
         int id; // 0: a separator
@@ -548,24 +543,13 @@ QMenu* CScrivelView::CreateContextMenu()
         {Cmd::CreateTemplateFromSelection, QT_TR_NOOP("Create template from Selection")},
     };
 
-    CMainFrame* mainFrame = CMorvaneApp::MainFrame();
-    if (mainFrame)
-        mainFrame->UpdateCommandUI();
     auto* menu = new QMenu(this);
     auto add = [&](QMenu* target, const Entry& entry) {
         if (!entry.id) {
             target->addSeparator();
             return;
         }
-        const QString text = tr(entry.text);
-        QAction* shared = mainFrame ? mainFrame->Action(entry.id) : nullptr;
-        if (shared && shared->text().remove(QLatin1Char('&')) == text) {
-            target->addAction(shared);
-            return;
-        }
-        // No main frame, or an entry whose text differs from the menu's: a local action
-        // routed like the shared one.
-        QAction* local = target->addAction(text);
+        QAction* local = target->addAction(tr(entry.text));
         local->setData(entry.id);
         CCmdUI ui;
         OnUpdateCmdUI(entry.id, ui);
@@ -585,10 +569,6 @@ QMenu* CScrivelView::CreateContextMenu()
 
 void CScrivelView::RouteCommand(int id)
 {
-    if (CMainFrame* mainFrame = CMorvaneApp::MainFrame()) {
-        mainFrame->OnCommand(id);
-        return;
-    }
     if (CScrivelFrame* frame = GetFrame())
         frame->OnCmdMsg(id);
     else

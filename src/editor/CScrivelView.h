@@ -1,13 +1,14 @@
 #pragma once
 
+#include "editor/CScrivelDoc.h"
 #include "settings/ViewSettings.h"
 
 #include <QList>
 #include <QPointer>
 #include <QWidget>
 
+class CEditorCommands;
 class CMFCScintilla;
-class CScrivelDoc;
 class CScrivelFrame;
 class CSyntaxParser;
 class QMenu;
@@ -28,12 +29,18 @@ public:
     // The frame around this view; null while the view stands alone.
     CScrivelFrame* GetFrame() const;
 
+    // The editor's part of the program, which the view shares with every other view:
+    // the live settings, the navigation history, the commands. A view without a host
+    // (in a test) works by its own copy of the settings.
+    void SetHost(CEditorCommands* host);
+    CEditorCommands* Host() const;
+
     // Takes a copy of the display settings and applies them: wrap, line ends, white
     // space, caret line, line numbers, folding, block selection, brace matching, tabs,
     // then the font.
     void ApplyViewSettings(const ViewSettings& settings);
-    // The settings the view works by: the main frame's where there is one, else the
-    // copy taken by ApplyViewSettings.
+    // The settings the view works by: the host's where there is one, else the copy
+    // taken by ApplyViewSettings.
     const ViewSettings& Settings() const;
     // The editor settings the frame changes on every view at once.
     void ApplyEditorSettings(bool useTabs, bool tabGuides, int tabWidth, quint32 caretColour,
@@ -61,8 +68,8 @@ public:
     bool OnCmdMsg(int id);
     void OnUpdateCmdUI(int id, CCmdUI& ui) const;
 
-    // The context menu, built of the main frame's actions where there is one; the
-    // caller owns it.
+    // The context menu, built of the shared actions where there is a host; the caller
+    // owns it.
     QMenu* CreateContextMenu();
 
     // Shows (or with `force` shows and hides by `visibleLevels`) the lines below a
@@ -92,7 +99,10 @@ private:
     QByteArray CommentToken() const;
     bool IndentsAfterBrace() const;
 
+    void RequestCommandUpdate();
+
     QPointer<CScrivelDoc> m_document;
+    QPointer<CEditorCommands> m_host;
     CMFCScintilla* m_editor;
     ViewSettings m_settings;
     QList<long> m_foldedLines;

@@ -33,6 +33,7 @@ CDocument* CDocTemplate::OpenDocumentFile(const QString& path, bool makeVisible)
     if (!document)
         return nullptr;
     document->SetDocTemplate(this);
+    Q_EMIT documentCreated(document);
     CChildFrame* frame = CreateNewFrame(document);
     if (!frame) {
         delete document;

@@ -44,6 +44,8 @@ public:
     bool CanCloseAll();
 
 Q_SIGNALS:
+    // A document was made, before its frame and before its file is read.
+    void documentCreated(CDocument* document);
     void documentOpened(CDocument* document);
     void frameCreated(CChildFrame* frame);
 

@@ -1,8 +1,8 @@
 #pragma once
 
 // Command ids. Menus, toolbars and shortcuts are QActions that carry these ids; the
-// main frame offers each command to the active child frame first, then handles it
-// itself (see CChildFrame::OnCmdMsg).
+// command registry offers each command to the active child frame first, then runs the
+// handler of the subsystem that registered it (see CChildFrame::OnCmdMsg).
 namespace Cmd {
 
 enum Id : int {

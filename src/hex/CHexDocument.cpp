@@ -50,6 +50,7 @@ bool CHexDocument::OnOpenDocument(const QString& path)
     }
     SetModifiedFlag(false);
     Q_EMIT contentChanged(-1);
+    Q_EMIT loaded(path);
     return true;
 }
 
@@ -144,6 +145,7 @@ bool CHexDocument::DoSave(const QString& path, bool replace)
     // it is written elsewhere only by Save As.
     if (m_readOnly && !saveAs && replace)
         return true;
+    Q_EMIT aboutToSave(target);
     IProgressSink* sink = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     CPieceTable::Progress progress;
     if (sink) {
@@ -151,10 +153,10 @@ bool CHexDocument::DoSave(const QString& path, bool replace)
         progress = [sink](qint64 written) { sink->SetProgress(written); };
     }
     QString error;
-    const bool saved = m_table.Save(target, replace || saveAs, &error, progress);
+    const bool written = m_table.Save(target, replace || saveAs, &error, progress);
     if (sink)
         sink->StopProgress();
-    if (!saved) {
+    if (!written) {
         ShowMessage(QMessageBox::Warning,
                     tr("Failed to create a new file when saving the current document"));
         return false;
@@ -163,6 +165,7 @@ bool CHexDocument::DoSave(const QString& path, bool replace)
         SetPathName(target, true);
     SetModifiedFlag(false);
     Q_EMIT contentChanged(-1);
+    Q_EMIT saved(target);
     return true;
 }
 

@@ -2,82 +2,78 @@
 
 #include "CFindInFilesDialog.h"
 #include "CFindInFilesRunner.h"
-#include "app/CMainFrame.h"
-#include "app/CMorvaneApp.h"
-#include "framework/CommandIds.h"
+#include "CFindResultsPage.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
-#include "tools/COutputBar.h"
+#include "framework/CommandIds.h"
+#include "settings/MainFrameSettings.h"
+#include "shell/CCommandRegistry.h"
+#include "shell/CMenuPlaces.h"
+#include "shell/IShell.h"
 
-#include <QAction>
 #include <QFileInfo>
-#include <QMenu>
+#include <QMainWindow>
 
-CFindInFilesCommands::CFindInFilesCommands(CMainFrame* frame)
-    : QObject(frame)
-    , m_frame(frame)
-    , m_bar(new COutputBar(frame))
+CFindInFilesCommands::CFindInFilesCommands(IShell& shell)
+    : QObject(shell.Window())
+    , m_shell(shell)
+    , m_page(new CFindResultsPage)
 {
-    m_bar->setVisible(false);
-    frame->addDockWidget(Qt::BottomDockWidgetArea, m_bar);
-    m_runner = new CFindInFilesRunner(m_bar, this);
-    connect(m_bar, &COutputBar::openLocation, this, &CFindInFilesCommands::OpenLocation);
+    m_runner = new CFindInFilesRunner(m_page, this);
+    connect(m_page, &CFindResultsPage::openLocation, this, &CFindInFilesCommands::OpenLocation);
+    connect(m_page, &CFindResultsPage::showRequested, this,
+            [this] { m_shell.ShowOutputPage(m_page); });
+    shell.AddOutputPage(m_page);
+
+    shell.Commands().Register({.id = Cmd::FindInFiles,
+                               .text = tr("Find in Files..."),
+                               .category = tr("Search"),
+                               .shortcut = QKeySequence(QStringLiteral("Ctrl+Shift+F")),
+                               .iconName = QStringLiteral("system-search"),
+                               .run = [this] { OnFindInFiles(); }});
+    // Listed with the other finds, without a line between.
+    shell.Menus().AddCommand(MenuId::Search, MenuGroup::SearchFind, Cmd::FindInFiles);
+    shell.Menus().AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Find, Cmd::FindInFiles);
 }
 
-CFindInFilesCommands* CFindInFilesCommands::Install(CMainFrame* frame)
+CFindInFilesCommands* CFindInFilesCommands::Of(IShell& shell)
 {
-    if (auto* existing = frame->findChild<CFindInFilesCommands*>(QString(), Qt::FindDirectChildrenOnly))
-        return existing;
-    auto* commands = new CFindInFilesCommands(frame);
-    frame->AddCommand(Cmd::FindInFiles, tr("Find in F&iles..."), QKeySequence(tr("Ctrl+Shift+F")),
-                      [commands] { commands->OnFindInFiles(); });
-    QAction* toggle = frame->AddCommand(
-        Cmd::ViewOutputBar, tr("&Output Bar"), QKeySequence(),
-        [commands] {
-            if (commands->m_bar)
-                commands->m_bar->setVisible(!commands->m_bar->isVisible());
-        },
-        [commands](CCmdUI& ui) {
-            ui.handled = true;
-            ui.checked = commands->m_bar && commands->m_bar->isVisible();
-        });
-    toggle->setCheckable(true);
-    if (auto* view = frame->findChild<QMenu*>(QStringLiteral("ViewMenu")); view && !view->actions().contains(toggle))
-        view->addAction(toggle);
-    return commands;
+    QMainWindow* window = shell.Window();
+    return window ? window->findChild<CFindInFilesCommands*>(QString(), Qt::FindDirectChildrenOnly)
+                  : nullptr;
 }
 
 void CFindInFilesCommands::OnFindInFiles()
 {
     QString word;
     QString folder;
-    if (auto* text = qobject_cast<CScrivelFrame*>(m_frame->ActiveChild())) {
+    if (auto* text = qobject_cast<CScrivelFrame*>(m_shell.ActiveChild())) {
         word = text->GetView()->GetEditor()->GetSearchSeed();
         const QString path = text->GetDocument() ? text->GetDocument()->GetPathName() : QString();
         if (!path.isEmpty())
             folder = QFileInfo(path).absolutePath();
     }
-    CFindInFilesDialog dialog(word, folder, m_frame);
+    CFindInFilesDialog dialog(word, folder, m_shell.Window());
     if (dialog.exec() != QDialog::Accepted)
         return;
     FindInFilesOptions options = dialog.options();
     // Columns then count tabs the way the editor does.
-    options.tabWidth = m_frame->Settings().view.TabWidth;
+    options.tabWidth = m_shell.Settings().view.TabWidth;
     m_runner->start(options);
 }
 
 void CFindInFilesCommands::OpenLocation(const QString& path, int line, int column)
 {
-    CMorvaneApp* app = CMorvaneApp::Instance();
-    if (!app)
-        return;
-    CDocument* document = app->OpenDetected(path);
+    OpenOptions options;
+    const QFileInfo info(path);
+    options.readOnly = info.exists() && !info.isWritable();
+    CDocument* document = m_shell.OpenPath(path, options);
     // A document that is open already is only brought forward, and is the active one now.
-    if (!document && m_frame->ActiveChild())
-        document = m_frame->ActiveChild()->GetDocument();
+    if (!document && m_shell.ActiveChild())
+        document = m_shell.ActiveChild()->GetDocument();
     if (auto* text = qobject_cast<CScrivelDoc*>(document);
-        text && QFileInfo(text->GetPathName()) == QFileInfo(path))
+        text && QFileInfo(text->GetPathName()) == info)
         text->GoToLineColumn(line, column);
 }

@@ -1,25 +1,22 @@
 #pragma once
 
+#include "search/CFindResultsPage.h"
+
 #include <QObject>
 #include <QPointer>
 
 class CFindInFilesRunner;
-class CMainFrame;
-#include "tools/COutputBar.h"
+class IShell;
 
-// Find in Files for the main window: the Output bar docked at the bottom, command 9000
-// with its dialog, command 59590 that shows and hides the bar, and the way from a
-// result back to its file, line and column.
+// Find in Files: command 9000 with its dialog, the Find Results page it fills, and the
+// way from a result back to its file, line and column.
 class CFindInFilesCommands : public QObject
 {
     Q_OBJECT
 public:
-    explicit CFindInFilesCommands(CMainFrame* frame);
+    explicit CFindInFilesCommands(IShell& shell);
 
-    // Docks the bar and registers the commands; returns the object, a child of the frame.
-    static CFindInFilesCommands* Install(CMainFrame* frame);
-
-    COutputBar* OutputBar() const { return m_bar; }
+    CFindResultsPage* ResultsPage() const { return m_page; }
     CFindInFilesRunner* Runner() const { return m_runner; }
 
     void OnFindInFiles();
@@ -27,8 +24,10 @@ public:
     // line (from 1) and column.
     void OpenLocation(const QString& path, int line, int column);
 
+    static CFindInFilesCommands* Of(IShell& shell);
+
 private:
-    CMainFrame* m_frame;
-    QPointer<COutputBar> m_bar;
+    IShell& m_shell;
+    QPointer<CFindResultsPage> m_page;
     CFindInFilesRunner* m_runner = nullptr;
 };

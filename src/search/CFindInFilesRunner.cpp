@@ -1,27 +1,27 @@
 #include "CFindInFilesRunner.h"
 
 #include "CFindInFilesEngine.h"
-#include "tools/COutputBar.h"
+#include "CFindResultsPage.h"
 
 #include <QDir>
 
-CFindInFilesRunner::CFindInFilesRunner(COutputBar* bar, QObject* parent)
+CFindInFilesRunner::CFindInFilesRunner(CFindResultsPage* page, QObject* parent)
     : QObject(parent)
     , m_engine(new CFindInFilesEngine(this))
-    , m_bar(bar)
+    , m_page(page)
 {
-    connect(bar, &COutputBar::stopRequested, this, &CFindInFilesRunner::cancel);
+    connect(page, &CFindResultsPage::stopRequested, this, &CFindInFilesRunner::cancel);
     connect(m_engine, &CFindInFilesEngine::matchesFound, this, [this](const QList<FindInFilesMatch>& batch) {
-        if (m_bar)
-            m_bar->addMatches(batch);
+        if (m_page)
+            m_page->addMatches(batch);
     });
     connect(m_engine, &CFindInFilesEngine::progress, this, [this](qint64 searched, qint64 matched) {
-        if (m_bar)
-            m_bar->setSearchProgress(searched, matched);
+        if (m_page)
+            m_page->setSearchProgress(searched, matched);
     });
     connect(m_engine, &CFindInFilesEngine::finished, this, [this](const FindInFilesSummary& summary) {
-        if (m_bar)
-            m_bar->endSearch(summary);
+        if (m_page)
+            m_page->endSearch(summary);
         emit finished(summary);
     });
 }
@@ -36,17 +36,13 @@ QString CFindInFilesRunner::describe(const FindInFilesOptions& options)
 
 bool CFindInFilesRunner::start(const FindInFilesOptions& options)
 {
-    if (m_bar) {
-        m_bar->show();
-        m_bar->raise();
-    }
     if (!m_engine->start(options)) {
-        if (m_bar)
-            m_bar->showSearchError(m_engine->errorString());
+        if (m_page)
+            m_page->showSearchError(m_engine->errorString());
         return false;
     }
-    if (m_bar)
-        m_bar->beginSearch(describe(options));
+    if (m_page)
+        m_page->beginSearch(describe(options));
     return true;
 }
 

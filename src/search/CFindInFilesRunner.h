@@ -6,17 +6,17 @@
 #include <QPointer>
 
 class CFindInFilesEngine;
-class COutputBar;
+class CFindResultsPage;
 
-// Runs one find in files at a time and shows it on the Output bar's Find Results page:
+// Runs one find in files at a time and shows it on the Find Results page:
 // the matches as they arrive, the progress, the Stop button and the summary.
 class CFindInFilesRunner : public QObject
 {
     Q_OBJECT
 public:
-    explicit CFindInFilesRunner(COutputBar* bar, QObject* parent = nullptr);
+    explicit CFindInFilesRunner(CFindResultsPage* page, QObject* parent = nullptr);
 
-    // Shows the bar and starts; a search already running is stopped first. Returns
+    // Shows the page and starts; a search already running is stopped first. Returns
     // false when the options can't be searched, with the reason on the bar.
     bool start(const FindInFilesOptions& options);
     void cancel();
@@ -30,5 +30,5 @@ signals:
 
 private:
     CFindInFilesEngine* m_engine;
-    QPointer<COutputBar> m_bar;
+    QPointer<CFindResultsPage> m_page;
 };

@@ -3,10 +3,14 @@
 #include "CFindDialog.h"
 #include "CHistoryComboBox.h"
 #include "CReplaceDialog.h"
-#include "CTextSearch.h"
+#include "editor/CTextSearch.h"
 
-#include "app/CMainFrame.h"
 #include "framework/CommandIds.h"
+#include "settings/CRegistryStore.h"
+#include "shell/CCommandRegistry.h"
+#include "shell/CMenuPlaces.h"
+#include "shell/CShellEvents.h"
+#include "shell/IShell.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
@@ -15,82 +19,115 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QEvent>
+#include <QLineEdit>
+#include <QMainWindow>
 #include <QMessageBox>
-
-namespace {
-
-const char* const ObjectName = "SearchCommands";
-
-} // namespace
+#include <QToolBar>
 
 CSearchCommands::CSearchCommands(QWidget* window, EditorProvider activeEditor)
     : QObject(window)
     , m_window(window)
     , m_activeEditor(std::move(activeEditor))
 {
-    setObjectName(QLatin1String(ObjectName));
-    // The dialogs go before the window closes, without writing their options.
-    if (window)
-        window->installEventFilter(this);
 }
 
 CSearchCommands::~CSearchCommands()
 {
-    DestroyDialogs();
-}
-
-CSearchCommands* CSearchCommands::Of(const QObject* frame)
-{
-    return frame ? frame->findChild<CSearchCommands*>(QLatin1String(ObjectName),
-                                                      Qt::FindDirectChildrenOnly)
-                 : nullptr;
-}
-
-CSearchCommands* CSearchCommands::Install(CMainFrame* frame)
-{
-    if (!frame)
-        return nullptr;
-    CSearchCommands* commands = Of(frame);
-    if (!commands) {
-        commands = new CSearchCommands(frame, [frame]() -> CMFCScintilla* {
-            auto* child = qobject_cast<CScrivelFrame*>(frame->ActiveChild());
-            return child && child->GetView() ? child->GetView()->GetEditor() : nullptr;
-        });
-        commands->m_frame = frame;
-    }
-    auto textView = [commands](CCmdUI& ui) { ui.enabled = commands->ActiveEditor() != nullptr; };
-    frame->AddCommand(Cmd::EditFind, tr("Find..."), QKeySequence(),
-                      [commands] { commands->OnEditFind(); }, textView);
-    frame->AddCommand(Cmd::EditReplace, tr("Replace..."), QKeySequence(),
-                      [commands] { commands->OnEditReplace(); }, textView);
-    // Always enabled: with no text view they say that there is nothing to do.
-    auto always = [](CCmdUI& ui) { ui.enabled = true; };
-    frame->AddCommand(Cmd::EditFindNext, tr("Find Next"), QKeySequence(),
-                      [commands] { commands->OnFindNextFromBox(false); }, always);
-    frame->AddCommand(Cmd::EditFindPrevious, tr("Find Previous"), QKeySequence(),
-                      [commands] { commands->OnFindNextFromBox(true); }, always);
-    return commands;
-}
-
-bool CSearchCommands::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == m_window && event->type() == QEvent::Close)
-        DestroyDialogs();
-    return QObject::eventFilter(watched, event);
-}
-
-void CSearchCommands::DestroyDialogs()
-{
+    // The dialogs call back into this object; they never outlive it.
     delete m_findDialog.data();
     delete m_replaceDialog.data();
 }
 
+CSearchCommands* CSearchCommands::Of(IShell& shell)
+{
+    QMainWindow* window = shell.Window();
+    return window ? window->findChild<CSearchCommands*>(QString(), Qt::FindDirectChildrenOnly)
+                  : nullptr;
+}
+
+CSearchCommands* CSearchCommands::Install(IShell& shell)
+{
+    if (CSearchCommands* existing = Of(shell))
+        return existing;
+    auto* commands = new CSearchCommands(shell.Window(), [&shell]() -> CMFCScintilla* {
+        auto* child = qobject_cast<CScrivelFrame*>(shell.ActiveChild());
+        return child && child->GetView() ? child->GetView()->GetEditor() : nullptr;
+    });
+    commands->m_shell = &shell;
+    commands->SetModelessTracker([&shell](QWidget* dialog) { shell.AddModelessWindow(dialog); });
+    commands->RegisterCommands();
+    commands->CreateFindBox();
+    connect(&shell.Events(), &CShellEvents::saveSettings, commands, [] {
+        // What the dialog last offered from the selection is not kept between runs.
+        CRegistryStore().DeleteValue(QStringLiteral("FindReplace"), QStringLiteral("LastSelectedValue"));
+    });
+    return commands;
+}
+
+void CSearchCommands::RegisterCommands()
+{
+    // A text or hex frame answers these first; the handlers here reach the text view.
+    CCommandRegistry& registry = m_shell->Commands();
+    auto textView = [this](CCmdUI& ui) { ui.enabled = ActiveEditor() != nullptr; };
+    // Always enabled: with no text view they say that there is nothing to do.
+    auto always = [](CCmdUI& ui) { ui.enabled = true; };
+    const QString category = tr("Search");
+    registry.Register({.id = Cmd::EditFind, .text = tr("Find..."), .category = category,
+                       .shortcut = QKeySequence(QKeySequence::Find), .iconName = QStringLiteral("edit-find"),
+                       .run = [this] { OnEditFind(); }, .update = textView});
+    registry.Register({.id = Cmd::EditReplace, .text = tr("Replace..."), .category = category,
+                       .shortcut = QKeySequence(QStringLiteral("Ctrl+H")),
+                       .iconName = QStringLiteral("edit-find-replace"),
+                       .run = [this] { OnEditReplace(); }, .update = textView});
+    registry.Register({.id = Cmd::EditFindNext, .text = tr("Find Next"), .category = category,
+                       .shortcut = QKeySequence(QStringLiteral("F3")), .iconName = QStringLiteral("go-down"),
+                       .run = [this] { OnFindNextFromBox(false); }, .update = always});
+    registry.Register({.id = Cmd::EditFindPrevious, .text = tr("Find Previous"), .category = category,
+                       .shortcut = QKeySequence(QStringLiteral("Shift+F3")), .iconName = QStringLiteral("go-up"),
+                       .run = [this] { OnFindNextFromBox(true); }, .update = always});
+    CMenuPlaces& menus = m_shell->Menus();
+    for (const int id : {int(Cmd::EditFind), int(Cmd::EditReplace), int(Cmd::EditFindNext),
+                         int(Cmd::EditFindPrevious)})
+        menus.AddCommand(MenuId::Search, MenuGroup::SearchFind, id);
+}
+
+void CSearchCommands::CreateFindBox()
+{
+    QToolBar* bar = m_shell->Menus().ToolBar(ToolBarId::Standard);
+    auto* box = new CHistoryComboBox(bar);
+    box->setObjectName(QStringLiteral("FindBox"));
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setHistorySection(QStringLiteral("FindBox"));
+    box->setFixedWidth(175);
+    box->setMaxVisibleItems(8); // a list about 150 pixels high
+    box->setToolTip(tr("Find"));
+    box->loadHistory();
+    box->lineEdit()->setPlaceholderText(tr("Find"));
+    connect(box->lineEdit(), &QLineEdit::returnPressed, this, [this, box] {
+        box->addToHistory(box->currentText());
+        m_shell->Commands().Execute(Cmd::EditFindNext);
+    });
+    m_findBox = box;
+    CMenuPlaces& menus = m_shell->Menus();
+    menus.AddToolBarWidget(ToolBarId::Standard, ToolBarGroup::Find, box);
+    for (const int id : {int(Cmd::EditFindNext), int(Cmd::EditFindPrevious), int(Cmd::EditFind),
+                         int(Cmd::EditReplace)})
+        menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Find, id);
+}
+
+void CSearchCommands::TrackDialog(QWidget* dialog)
+{
+    // The window closes its modeless windows first, without their options being written.
+    if (m_trackModeless)
+        m_trackModeless(dialog);
+}
+
 QKeySequence CSearchCommands::CommandShortcut(int id) const
 {
-    if (m_frame) {
-        if (QAction* action = m_frame->Action(id); action && !action->shortcut().isEmpty())
-            return action->shortcut();
+    if (m_shell) {
+        if (const QKeySequence key = m_shell->Commands().Shortcut(id); !key.isEmpty())
+            return key;
     }
     switch (id) {
     case Cmd::EditFind:
@@ -122,6 +159,7 @@ void CSearchCommands::ShowFindDialog(const QString& text)
         return;
     }
     m_findDialog = new CFindDialog(this, text, m_window);
+    TrackDialog(m_findDialog);
     m_findDialog->show();
 }
 
@@ -139,6 +177,7 @@ void CSearchCommands::ShowReplaceDialog(const QString& text)
         return;
     }
     m_replaceDialog = new CReplaceDialog(this, text, m_window);
+    TrackDialog(m_replaceDialog);
     m_replaceDialog->show();
 }
 
@@ -152,11 +191,6 @@ void CSearchCommands::OnEditReplace()
 {
     if (CMFCScintilla* editor = ActiveEditor())
         ShowReplaceDialog(CTextSearch(editor).GetSearchSeed());
-}
-
-QComboBox* CSearchCommands::FindBox() const
-{
-    return m_window ? m_window->findChild<QComboBox*>(QStringLiteral("FindBox")) : nullptr;
 }
 
 void CSearchCommands::RefreshFindBox()

@@ -3,15 +3,16 @@
 #include "CFindDialog.h"
 #include "CReplaceDialog.h"
 
+#include <QComboBox>
 #include <QKeySequence>
 #include <QObject>
 #include <QPointer>
 #include <QString>
 #include <functional>
 
-class CMainFrame;
+class CHistoryComboBox;
 class CMFCScintilla;
-class QComboBox;
+class IShell;
 class QWidget;
 
 // Find and replace for the main window: the commands Find..., Replace..., Find Next and
@@ -24,18 +25,23 @@ public:
     // The control of the active text view, or null when no text view is active.
     using EditorProvider = std::function<CMFCScintilla*()>;
 
-    // `window` parents the dialogs and the messages; the find box is looked up below it.
+    // `window` parents the dialogs and the messages.
     CSearchCommands(QWidget* window, EditorProvider activeEditor);
     ~CSearchCommands() override;
 
-    // Registers the four commands with the frame (replacing any earlier handlers) and
-    // returns the object, a child of the frame. Calling it again returns the same object.
-    static CSearchCommands* Install(CMainFrame* frame);
-    // The object Install made for `frame`, or null.
-    static CSearchCommands* Of(const QObject* frame);
+    // Registers the four commands, puts the find box on the toolbar and returns the
+    // object, a child of the window. Calling it again returns the same object.
+    static CSearchCommands* Install(IShell& shell);
+    // The object Install made for the shell, or null.
+    static CSearchCommands* Of(IShell& shell);
 
-    // Destroys the dialogs without writing their options, as when the main window closes.
-    void DestroyDialogs();
+    // Told of each dialog made, so that the window can destroy it first when it closes;
+    // Install hands the dialogs to the shell.
+    void SetModelessTracker(std::function<void(QWidget*)> tracker) { m_trackModeless = std::move(tracker); }
+
+    // The toolbar's box Find Next and Find Previous search for.
+    void SetFindBox(QComboBox* box) { m_findBox = box; }
+    QComboBox* FindBox() const { return m_findBox; }
 
     void ShowFindDialog(const QString& text);
     void ShowReplaceDialog(const QString& text);
@@ -62,18 +68,19 @@ public:
     // The key of a main window command, so that a dialog can offer it too.
     QKeySequence CommandShortcut(int id) const;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
-    QComboBox* FindBox() const;
+    void RegisterCommands();
+    void CreateFindBox();
+    void TrackDialog(QWidget* dialog);
     void RefreshFindBox();
     void Information(const QString& text) const;
     QWidget* MessageParent() const;
 
     QPointer<QWidget> m_window;
     EditorProvider m_activeEditor;
-    CMainFrame* m_frame = nullptr;
+    IShell* m_shell = nullptr;
+    std::function<void(QWidget*)> m_trackModeless;
+    QPointer<QComboBox> m_findBox;
     QPointer<CFindDialog> m_findDialog;
     QPointer<CReplaceDialog> m_replaceDialog;
     // The view of the last replacement: another view makes the next Replace only find.

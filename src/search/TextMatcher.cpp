@@ -139,10 +139,19 @@ TextMatcher::TextMatcher(const SearchQuery& query)
         m_expression = QRegularExpression(query.Pattern(), query.PatternOptions());
         m_expression.optimize();
         for (const std::string& piece : query.RequiredLiterals())
-            m_candidates.emplace_back(piece, query.RequiredCaseSensitive());
+            m_candidates.emplace_back(QByteArray::fromStdString(piece), query.RequiredCaseSensitive());
     } else {
-        m_searcher = ByteSearcher(query.Literal(), query.LiteralCaseSensitive());
+        m_searcher.emplace(QByteArray::fromStdString(query.Literal()), query.LiteralCaseSensitive());
     }
+}
+
+std::size_t TextMatcher::Find(const CByteSearcher& searcher, const char* data, std::size_t size,
+                              std::size_t from)
+{
+    if (from >= size)
+        return npos;
+    const qint64 at = searcher.FindFirst(reinterpret_cast<const uchar*>(data) + from, qint64(size - from));
+    return at < 0 ? npos : from + std::size_t(at);
 }
 
 bool TextMatcher::Search(std::string_view block, qint64 firstLine, const Sink& sink)
@@ -160,13 +169,15 @@ bool TextMatcher::SearchLiteral(std::string_view block, qint64 firstLine, const 
 {
     const char* data = block.data();
     const std::size_t size = block.size();
-    const std::size_t length = m_searcher.Length();
+    if (!m_searcher)
+        return true;
+    const std::size_t length = std::size_t(m_searcher->Length());
     std::size_t from = 0;
     std::size_t counted = 0; // lines are counted up to here
     qint64 line = firstLine;
     for (;;) {
-        const std::size_t at = m_searcher.Find(data, size, from);
-        if (at == ByteSearcher::npos)
+        const std::size_t at = Find(*m_searcher, data, size, from);
+        if (at == npos)
             return true;
         const std::size_t lineStart = std::size_t(FindLineStart(data + counted, data + at) - data);
         line += qint64(CountLines(data + counted, data + lineStart));
@@ -188,10 +199,10 @@ bool TextMatcher::SearchLiteral(std::string_view block, qint64 firstLine, const 
 std::size_t TextMatcher::NextCandidate(const char* data, std::size_t size, std::size_t from)
 {
     // Each piece remembers where it next occurs, so each is looked for once per stretch.
-    std::size_t best = ByteSearcher::npos;
+    std::size_t best = npos;
     for (std::size_t i = 0; i < m_candidates.size(); ++i) {
-        if (m_nextCandidate[i] != ByteSearcher::npos && m_nextCandidate[i] < from)
-            m_nextCandidate[i] = m_candidates[i].Find(data, size, from);
+        if (m_nextCandidate[i] != npos && m_nextCandidate[i] < from)
+            m_nextCandidate[i] = Find(m_candidates[i], data, size, from);
         best = std::min(best, m_nextCandidate[i]);
     }
     return best;
@@ -203,13 +214,13 @@ bool TextMatcher::SearchCandidateLines(std::string_view block, qint64 firstLine,
     const std::size_t size = block.size();
     m_nextCandidate.resize(m_candidates.size());
     for (std::size_t i = 0; i < m_candidates.size(); ++i)
-        m_nextCandidate[i] = m_candidates[i].Find(data, size, 0);
+        m_nextCandidate[i] = Find(m_candidates[i], data, size, 0);
     std::size_t from = 0;
     std::size_t counted = 0;
     qint64 line = firstLine;
     while (from < size) {
         const std::size_t at = NextCandidate(data, size, from);
-        if (at == ByteSearcher::npos)
+        if (at == npos)
             return true;
         const std::size_t lineStart = std::size_t(FindLineStart(data + counted, data + at) - data);
         line += qint64(CountLines(data + counted, data + lineStart));

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "ByteSearcher.h"
+#include "hex/CByteSearcher.h"
+
+#include <optional>
 #include "SearchQuery.h"
 
 #include <QRegularExpression>
@@ -55,10 +57,15 @@ private:
     bool MatchLine(std::string_view block, std::size_t lineStart, std::size_t lineEnd,
                    std::size_t fromByte, qint64 line, const Sink& sink);
 
+    static constexpr std::size_t npos = std::size_t(-1);
+    // The first occurrence at or after `from`, or npos.
+    static std::size_t Find(const CByteSearcher& searcher, const char* data, std::size_t size,
+                            std::size_t from);
+
     const SearchQuery& m_query;
-    ByteSearcher m_searcher;
+    std::optional<CByteSearcher> m_searcher;
     // The pieces of text that lead an expression to the lines worth matching.
-    std::vector<ByteSearcher> m_candidates;
+    std::vector<CByteSearcher> m_candidates;
     std::vector<std::size_t> m_nextCandidate;
     QRegularExpression m_expression;
     QString m_lineText;

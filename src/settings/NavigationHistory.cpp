@@ -1,6 +1,6 @@
 #include "settings/NavigationHistory.h"
 
-void NavigationHistory::Add(const void* view, long position)
+void NavigationHistory::Add(QObject* view, long position)
 {
     const Entry entry{view, position};
     const qsizetype existing = m_entries.indexOf(entry);
@@ -36,10 +36,10 @@ bool NavigationHistory::Forward(Entry& entry)
     return true;
 }
 
-void NavigationHistory::RemoveView(const void* view)
+void NavigationHistory::RemoveView(const QObject* view)
 {
     const qsizetype before = m_entries.size();
-    m_entries.removeIf([view](const Entry& e) { return e.view == view; });
+    m_entries.removeIf([view](const Entry& e) { return e.view.isNull() || e.view.data() == view; });
     if (before != m_entries.size())
         m_cursor = int(m_entries.size()) - 1;
 }

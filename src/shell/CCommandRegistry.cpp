@@ -20,6 +20,8 @@ CCommandRegistry::~CCommandRegistry() = default;
 
 QAction* CCommandRegistry::Register(const CommandSpec& spec)
 {
+    if (const auto it = m_commands.find(spec.id); it != m_commands.end() && it->spec.placeholder)
+        return TakeOverPlaceholder(*it, spec);
     if (spec.id == 0 || m_commands.contains(spec.id)) {
         qWarning("Command %d is registered twice", spec.id);
         return nullptr;
@@ -43,6 +45,28 @@ QAction* CCommandRegistry::Register(const CommandSpec& spec)
     m_commands.insert(id, Entry{spec, action});
     m_order << id;
     Q_EMIT commandRegistered(id);
+    RequestUpdate();
+    return action;
+}
+
+QAction* CCommandRegistry::TakeOverPlaceholder(Entry& entry, const CommandSpec& spec)
+{
+    // The action stays, so that it keeps its places in the menus and toolbars.
+    QAction* action = entry.action.data();
+    entry.spec = spec;
+    if (action) {
+        action->setText(spec.text);
+        action->setCheckable(spec.checkable);
+        if (!spec.toolTip.isEmpty())
+            action->setToolTip(spec.toolTip);
+        QIcon icon = spec.icon;
+        if (icon.isNull() && !spec.iconName.isEmpty())
+            icon = QIcon::fromTheme(spec.iconName);
+        if (!icon.isNull())
+            action->setIcon(icon);
+        action->setShortcut(spec.shortcut);
+    }
+    Q_EMIT commandRegistered(spec.id);
     RequestUpdate();
     return action;
 }

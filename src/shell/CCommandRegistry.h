@@ -24,7 +24,8 @@ public:
     ~CCommandRegistry() override;
 
     // Registers a command; an id registered twice is a programming error: the first
-    // registration stays and null is returned.
+    // registration stays and null is returned. A placeholder is the exception: the real
+    // command takes over its action and places.
     QAction* Register(const CommandSpec& spec);
     // Removes a command whose subsystem withdraws it (a deleted user tool).
     void Unregister(int id);
@@ -72,6 +73,8 @@ private:
         CommandSpec spec;
         QPointer<QAction> action;
     };
+    QAction* TakeOverPlaceholder(Entry& entry, const CommandSpec& spec);
+
     QWidget* m_actionParent;
     QHash<int, Entry> m_commands;
     QList<int> m_order;

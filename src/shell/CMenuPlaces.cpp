@@ -34,10 +34,9 @@ QMenu* CMenuPlaces::DeclareMenu(const QString& menuId, const QString& title,
     Place place;
     place.widget = menu;
     place.groups = groups;
-    for (const QString& group : groups) {
-        QAction* separator = menu->addSeparator();
-        place.separators.insert(group, separator);
-    }
+    // No line ever shows above the first group, so it gets none.
+    for (const QString& group : groups.mid(1))
+        place.separators.insert(group, menu->addSeparator());
     m_menus.insert(menuId, place);
     m_menuOrder << menuId;
     // States are fresh whenever a menu opens.
@@ -54,7 +53,7 @@ QMenu* CMenuPlaces::DeclareContextMenu(const QString& menuId, const QStringList&
     Place place;
     place.widget = menu;
     place.groups = groups;
-    for (const QString& group : groups)
+    for (const QString& group : groups.mid(1))
         place.separators.insert(group, menu->addSeparator());
     m_menus.insert(menuId, place);
     m_menuOrder << menuId;
@@ -85,6 +84,14 @@ QAction* CMenuPlaces::AddCommand(const QString& menuId, const QString& group, in
     return action;
 }
 
+void CMenuPlaces::SetGroupOrder(const QString& menuId, const QString& group,
+                                const QList<int>& commandIds)
+{
+    const auto it = m_menus.find(menuId);
+    if (it != m_menus.end())
+        it->order.insert(group, commandIds);
+}
+
 void CMenuPlaces::AddAction(const QString& menuId, const QString& group, QAction* action)
 {
     const auto it = m_menus.find(menuId);
@@ -105,7 +112,7 @@ QToolBar* CMenuPlaces::DeclareToolBar(const QString& toolBarId, const QString& t
     Place place;
     place.widget = bar;
     place.groups = groups;
-    for (const QString& group : groups)
+    for (const QString& group : groups.mid(1))
         place.separators.insert(group, bar->addSeparator());
     m_toolBars.insert(toolBarId, place);
     m_toolBarOrder << toolBarId;
@@ -174,13 +181,35 @@ void CMenuPlaces::Insert(Place& place, const QString& group, QAction* action)
     QWidget* widget = place.widget.data();
     if (!widget)
         return;
-    // The item goes before the line of the next declared group, else at the end.
+    // A command that takes over a placeholder is added again where it already stands.
+    for (const QList<QAction*>& items : std::as_const(place.items)) {
+        if (items.contains(action))
+            return;
+    }
+    // A menu kept hidden while it had nothing to show shows now.
+    if (auto* menu = qobject_cast<QMenu*>(widget))
+        menu->menuAction()->setVisible(true);
+    // The item goes before the line of the next declared group, else at the end; in a
+    // group with an order, before the first item ranked after it.
     QAction* before = nullptr;
     const int index = place.groups.indexOf(group);
-    for (int next = index + 1; index >= 0 && next < place.groups.size() && !before; ++next)
+    QList<QAction*>& items = place.items[index >= 0 ? group : QString()];
+    qsizetype position = items.size();
+    const QList<int> order = place.order.value(group);
+    if (const qsizetype rank = order.indexOf(action->data().toInt()); rank >= 0) {
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            const qsizetype other = order.indexOf(items.at(i)->data().toInt());
+            if (other > rank) {
+                position = i;
+                before = items.at(i);
+                break;
+            }
+        }
+    }
+    for (int next = index + 1; !before && index >= 0 && next < place.groups.size(); ++next)
         before = place.separators.value(place.groups.at(next));
     widget->insertAction(before, action);
-    place.items[index >= 0 ? group : QString()].append(action);
+    items.insert(position, action);
     UpdateSeparators(place);
 }
 

@@ -34,6 +34,11 @@ public:
     QMenu* Menu(const QString& menuId) const;
     QStringList MenuIds() const;
 
+    // The order of commands within a group that several subsystems fill: a listed command
+    // goes before any listed after it, whichever subsystem adds it first. Others follow
+    // in the order they were added.
+    void SetGroupOrder(const QString& menuId, const QString& group, const QList<int>& commandIds);
+
     // Adds the registered command to a group; an unknown group goes to the end.
     QAction* AddCommand(const QString& menuId, const QString& group, int commandId);
     void AddAction(const QString& menuId, const QString& group, QAction* action);
@@ -54,6 +59,7 @@ private:
         QStringList groups;
         QHash<QString, QAction*> separators; // the line before each group's first item
         QHash<QString, QList<QAction*>> items;
+        QHash<QString, QList<int>> order;
     };
     void Insert(Place& place, const QString& group, QAction* action);
     static void UpdateSeparators(Place& place);

@@ -29,4 +29,7 @@ struct CommandSpec
     // Fills in the state menus and toolbars show. Without one the command is enabled
     // while it has a handler or the active child speaks for it.
     std::function<void(CCmdUI&)> update;
+    // Holds a place in the menus, greyed, for a command whose subsystem has not been
+    // written yet. That subsystem's own registration later takes the place over.
+    bool placeholder = false;
 };

@@ -38,6 +38,21 @@ inline constexpr char EditSelect[] = "Select";
 inline constexpr char EditSubMenus[] = "SubMenus";
 inline constexpr char EditLines[] = "Lines";
 inline constexpr char EditOther[] = "Other";
+// Edit > Lines and Edit > Format
+inline constexpr char LinesEdit[] = "LinesEdit";
+inline constexpr char LinesMove[] = "LinesMove";
+inline constexpr char FormatCase[] = "Case";
+inline constexpr char FormatIndent[] = "Indent";
+inline constexpr char FormatComment[] = "Comment";
+inline constexpr char FormatSpaces[] = "Spaces";
+// The editor's context menu
+inline constexpr char ContextUndo[] = "Undo";
+inline constexpr char ContextClipboard[] = "Clipboard";
+inline constexpr char ContextAppend[] = "Append";
+inline constexpr char ContextCase[] = "Case";
+inline constexpr char ContextInsert[] = "Insert";
+inline constexpr char ContextSelect[] = "Select";
+inline constexpr char ContextTemplate[] = "Template";
 // Search
 inline constexpr char SearchFind[] = "Find";
 inline constexpr char SearchFiles[] = "Files";
@@ -77,4 +92,7 @@ inline constexpr char Clipboard[] = "Clipboard";
 inline constexpr char Undo[] = "Undo";
 inline constexpr char Print[] = "Print";
 inline constexpr char Find[] = "Find";
+inline constexpr char Goto[] = "Goto";
+inline constexpr char Navigate[] = "Navigate";
+inline constexpr char View[] = "View";
 } // namespace ToolBarGroup

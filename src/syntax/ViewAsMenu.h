@@ -18,8 +18,8 @@ constexpr int MaxMenuEntries = 21;
 // Index 20 never shows a check mark, although the entry is there.
 constexpr int MaxCheckedEntries = 20;
 
-// Makes the action for one entry; the main frame passes its own so that the action is
-// routed like every other command. Without one, plain actions owned by the menu are made.
+// Makes the action for one entry; the syntax commands pass the registry's, so that the
+// action is routed like every other command. Without one, plain actions owned by the menu are made.
 using ActionFactory = std::function<QAction*(int commandId, const QString& text)>;
 
 // Empties `menu` of earlier View As entries and fills it: one checkable action per parser

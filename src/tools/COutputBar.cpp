@@ -1,207 +1,38 @@
 #include "COutputBar.h"
 
-#include "CFindResultsModel.h"
+#include "shell/IOutputPage.h"
 
-#include <QEvent>
-#include <QFontDatabase>
-#include <QHBoxLayout>
-#include <QKeyEvent>
-#include <QLabel>
-#include <QListView>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QStyledItemDelegate>
-#include <algorithm>
 #include <QTabWidget>
-#include <QTextCursor>
 #include <QVBoxLayout>
 
-namespace {
-
-// All rows share one size (fast with many rows); its width is that of the longest row,
-// so that the list scrolls sideways far enough for every line.
-class ResultRowDelegate : public QStyledItemDelegate
-{
-public:
-    ResultRowDelegate(const CFindResultsModel* model, QObject* parent)
-        : QStyledItemDelegate(parent), m_model(model) {}
-
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
-    {
-        const QSize base = QStyledItemDelegate::sizeHint(option, index);
-        const int width = option.fontMetrics.horizontalAdvance(QLatin1Char('x')) * m_model->longestRow();
-        return QSize(std::max(base.width(), width), base.height());
-    }
-
-private:
-    const CFindResultsModel* m_model;
-};
-
-} // namespace
-
 COutputBar::COutputBar(QWidget* parent)
-    : QDockWidget(tr("Output"), parent)
+    : QWidget(parent)
+    , m_tabs(new QTabWidget(this))
 {
-    setObjectName(QStringLiteral("OutputBar"));
-    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-
-    auto* findPage = new QWidget;
-    auto* findLayout = new QVBoxLayout(findPage);
-    findLayout->setContentsMargins(2, 2, 2, 2);
-    findLayout->setSpacing(2);
-    auto* statusRow = new QHBoxLayout;
-    m_status = new QLabel;
-    m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_stop = new QPushButton(tr("Stop"));
-    m_stop->setVisible(false);
-    statusRow->addWidget(m_status, 1);
-    statusRow->addWidget(m_stop);
-    findLayout->addLayout(statusRow);
-
-    m_model = new CFindResultsModel(this);
-    m_results = new QListView;
-    m_results->setModel(m_model);
-    m_results->setItemDelegate(new ResultRowDelegate(m_model, m_results));
-    m_results->setFont(fixed);
-    m_results->setUniformItemSizes(true); // rows are measured once: fast with many rows
-    m_results->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_results->setSelectionMode(QAbstractItemView::SingleSelection);
-    m_results->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    m_results->setTextElideMode(Qt::ElideNone);
-    m_results->installEventFilter(this);
-    findLayout->addWidget(m_results, 1);
-
-    m_toolText = new QPlainTextEdit;
-    m_toolText->setReadOnly(true);
-    m_toolText->setFont(fixed);
-    m_toolText->setLineWrapMode(QPlainTextEdit::NoWrap);
-
-    m_tabs = new QTabWidget;
+    setObjectName(QStringLiteral("OutputBarPages"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_tabs);
     m_tabs->setTabPosition(QTabWidget::South);
-    m_tabs->addTab(findPage, tr("Find Results"));
-    m_tabs->addTab(m_toolText, tr("Tool Results"));
-    setWidget(m_tabs);
-
-    connect(m_stop, &QPushButton::clicked, this, &COutputBar::stopRequested);
-    connect(m_results, &QListView::doubleClicked, this, &COutputBar::activateRow);
 }
 
-void COutputBar::showPage(Page page)
+void COutputBar::AddPage(IOutputPage* page)
 {
-    m_tabs->setCurrentIndex(int(page));
-}
-
-COutputBar::Page COutputBar::currentPage() const
-{
-    return Page(m_tabs->currentIndex());
-}
-
-void COutputBar::beginSearch(const QString& description)
-{
-    m_description = description;
-    m_model->clear();
-    m_status->setText(tr("%1: searching...").arg(description));
-    m_stop->setVisible(true);
-    m_stop->setEnabled(true);
-    showPage(FindResultsPage);
-}
-
-void COutputBar::addMatches(const QList<FindInFilesMatch>& matches)
-{
-    m_model->appendMatches(matches);
-}
-
-void COutputBar::setSearchProgress(qint64 filesSearched, qint64 filesMatched)
-{
-    m_status->setText(tr("%1: %2 files searched, %3 found in %4 files...")
-                          .arg(m_description)
-                          .arg(filesSearched)
-                          .arg(m_model->rowCount())
-                          .arg(filesMatched));
-}
-
-QString COutputBar::summaryText(const FindInFilesSummary& summary)
-{
-    QString text = tr("%1 matches in %2 of %3 files searched")
-                       .arg(summary.matches)
-                       .arg(summary.filesMatched)
-                       .arg(summary.filesSearched);
-    QStringList skipped;
-    if (summary.filesBinary > 0)
-        skipped.append(tr("%1 binary").arg(summary.filesBinary));
-    if (summary.filesUnreadable > 0)
-        skipped.append(tr("%1 unreadable").arg(summary.filesUnreadable));
-    if (!skipped.isEmpty())
-        text += tr("; skipped %1").arg(skipped.join(QStringLiteral(", ")));
-    if (summary.truncated)
-        text += tr("; stopped at %1 matches").arg(summary.matches);
-    else if (summary.cancelled)
-        text += tr("; stopped");
-    text += QLatin1Char('.');
-    return text;
-}
-
-void COutputBar::endSearch(const FindInFilesSummary& summary)
-{
-    m_stop->setVisible(false);
-    m_status->setText(QStringLiteral("%1: %2").arg(m_description, summaryText(summary)));
-}
-
-void COutputBar::showSearchError(const QString& message)
-{
-    m_model->clear();
-    m_stop->setVisible(false);
-    m_status->setText(message);
-    showPage(FindResultsPage);
-}
-
-void COutputBar::clearFindResults()
-{
-    m_model->clear();
-    m_status->clear();
-}
-
-QString COutputBar::findStatusText() const
-{
-    return m_status->text();
-}
-
-bool COutputBar::isStopVisible() const
-{
-    return !m_stop->isHidden();
-}
-
-void COutputBar::appendText(const QString& text)
-{
-    // Append at the end whatever the user selected, and follow the output.
-    QTextCursor cursor(m_toolText->document());
-    cursor.movePosition(QTextCursor::End);
-    cursor.insertText(text);
-    m_toolText->verticalScrollBar()->setValue(m_toolText->verticalScrollBar()->maximum());
-}
-
-void COutputBar::clear()
-{
-    m_toolText->clear();
-}
-
-void COutputBar::activateRow(const QModelIndex& index)
-{
-    if (!index.isValid())
+    if (!page || m_pages.contains(page) || !page->Widget())
         return;
-    const FindInFilesMatch& m = m_model->match(index.row());
-    emit openLocation(m.path, m.line, m.column);
+    m_pages << page;
+    m_tabs->addTab(page->Widget(), page->Title());
 }
 
-bool COutputBar::eventFilter(QObject* watched, QEvent* event)
+void COutputBar::ShowPage(IOutputPage* page)
 {
-    if (watched == m_results && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-            activateRow(m_results->currentIndex());
-            return true;
-        }
-    }
-    return QDockWidget::eventFilter(watched, event);
+    const qsizetype index = m_pages.indexOf(page);
+    if (index >= 0)
+        m_tabs->setCurrentIndex(int(index));
+}
+
+IOutputPage* COutputBar::CurrentPage() const
+{
+    const int index = m_tabs->currentIndex();
+    return index >= 0 && index < m_pages.size() ? m_pages.at(index) : nullptr;
 }

@@ -8,6 +8,7 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
+#include "editor/CEditorCommands.h"
 #include "TestSupport.h"
 
 #include <QApplication>

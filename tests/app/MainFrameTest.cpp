@@ -2,6 +2,7 @@
 
 #include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
+#include "shell/CShellEvents.h"
 
 #include <QClipboard>
 #include <QDialog>
@@ -9,6 +10,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QSettings>
+#include <QSignalSpy>
 
 namespace {
 
@@ -63,7 +65,7 @@ TEST_P(ViewToggleTest, ReachesEveryTextViewAndNoOtherKind)
     CScrivelFrame* second = OpenText("two.txt", "gamma\n");
     // The hex frame is the active one: the command still reaches the text views.
     ASSERT_TRUE(first && second && OpenHex("three.bin"));
-    EXPECT_EQ(Frame()->TextViews().size(), 2);
+    EXPECT_EQ(CEditorCommands::Of(*Frame())->TextViews().size(), 2);
     Expect(first, false);
     EXPECT_FALSE(Checked(id));
 
@@ -238,7 +240,7 @@ TEST_F(MainFrameTest, BackAndForwardMoveTheCaretAcrossViewsAndAClosedViewLeavesT
     CScrivelFrame* a = OpenText("a.txt", "0123456789\n0123456789\n");
     CScrivelFrame* b = OpenText("b.txt", "abcdefghij\n");
     ASSERT_TRUE(a && b);
-    NavigationHistory& history = App()->GetNavigation();
+    NavigationHistory& history = CEditorCommands::Of(*Frame())->Navigation();
     history = NavigationHistory();
     EXPECT_FALSE(Enabled(Cmd::NavigateBack));
     history.Add(a->GetView(), 12);
@@ -259,5 +261,46 @@ TEST_F(MainFrameTest, BackAndForwardMoveTheCaretAcrossViewsAndAClosedViewLeavesT
     EXPECT_EQ(history.Entries(), (QList<NavigationHistory::Entry>{{a->GetView(), 12}, {a->GetView(), 3}}));
 }
 
-} // namespace
+TEST_F(MainFrameTest, FirstIdleComesOnceAfterTheWindowShows)
+{
+    ASSERT_TRUE(App()->InitInstance({}));
+    QSignalSpy idle(&Frame()->Events(), &CShellEvents::firstIdle);
+    EXPECT_TRUE(Frame()->isVisible());
+    EXPECT_EQ(idle.count(), 0) << "not before the event loop runs";
+    Settle();
+    EXPECT_EQ(idle.count(), 1);
+    Frame()->ShowMainWindow();
+    Settle();
+    EXPECT_EQ(idle.count(), 1);
+}
 
+// Every part writes its settings before anyone is asked about unsaved work, and hears
+// of the end only once the documents have all been let go.
+TEST_F(MainFrameTest, TheCloseOrderRunsClosingSaveSettingsTheDocumentsThenAboutToQuit)
+{
+    StartEmpty();
+    CScrivelFrame* frame = OpenText("a.txt", "old\n");
+    ASSERT_TRUE(frame);
+    Editor(frame)->SendScintilla(Sci::SCI_APPENDTEXT, 3UL, "new");
+    QPointer<QDialog> modeless = new QDialog(Frame());
+    Frame()->AddModelessWindow(modeless);
+    TestSupport::ModalAnswerer answerer(QMessageBox::No);
+    QStringList order;
+    CShellEvents& events = Frame()->Events();
+    QObject::connect(&events, &CShellEvents::closing, [&] {
+        order << QStringLiteral("closing");
+        EXPECT_TRUE(modeless.isNull()) << "the modeless windows went first";
+    });
+    QObject::connect(&events, &CShellEvents::saveSettings, [&] {
+        order << QStringLiteral("saveSettings");
+        EXPECT_TRUE(answerer.Texts().isEmpty()) << "nobody was asked yet";
+    });
+    QObject::connect(&events, &CShellEvents::aboutToQuit, [&] {
+        order << QStringLiteral("aboutToQuit");
+        EXPECT_EQ(answerer.Texts().size(), 1) << "the document was asked";
+    });
+    EXPECT_TRUE(Frame()->close());
+    EXPECT_EQ(order, (QStringList{"closing", "saveSettings", "aboutToQuit"}));
+}
+
+} // namespace

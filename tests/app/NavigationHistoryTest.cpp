@@ -4,14 +4,14 @@
 
 namespace {
 
-// Distinct addresses standing in for views.
-const int kViews[2] = {1, 2};
-const void* const A = &kViews[0];
-const void* const B = &kViews[1];
+// Two objects standing in for views.
+QObject kViews[2];
+QObject* const A = &kViews[0];
+QObject* const B = &kViews[1];
 
 using Entry = NavigationHistory::Entry;
 
-NavigationHistory Filled(const void* view, std::initializer_list<long> positions)
+NavigationHistory Filled(QObject* view, std::initializer_list<long> positions)
 {
     NavigationHistory history;
     for (long position : positions)
@@ -112,6 +112,20 @@ TEST(NavigationHistoryTest, RemoveViewForgetsThatViewOnly)
     EXPECT_EQ(history.Count(), 0);
     EXPECT_FALSE(history.CanGoBack());
     EXPECT_FALSE(history.Forward(entry));
+}
+
+TEST(NavigationHistoryTest, AViewThatIsGoneLeavesNoEntryBehindAndNoDanglingOne)
+{
+    NavigationHistory history;
+    auto* gone = new QObject;
+    history.Add(gone, 1);
+    history.Add(A, 2);
+    history.Add(gone, 3);
+    delete gone;
+    EXPECT_TRUE(history.Entries().at(0).view.isNull()) << "the entry no longer points anywhere";
+    history.RemoveView(nullptr);
+    EXPECT_EQ(history.Entries(), (QList<Entry>{{A, 2}}));
+    EXPECT_EQ(history.Cursor(), 0);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "CFakeShell.h"
 
+#include "shell/StandardPlaces.h"
+
 #include <QDockWidget>
 #include <QStatusBar>
 
@@ -8,25 +10,7 @@ CFakeShell::CFakeShell()
     m_commands = new CCommandRegistry(&m_window);
     m_menus = new CMenuPlaces(&m_window, *m_commands);
     m_commands->SetActiveChildProvider([this] { return m_active; });
-    using namespace MenuGroup;
-    m_menus->DeclareMenu(MenuId::File, QStringLiteral("&File"),
-                         {FileNew, FileOpen, FileSave, FileWorkspace, FileVersions, FilePrint,
-                          FileRecent, FileExit});
-    m_menus->DeclareMenu(MenuId::Edit, QStringLiteral("&Edit"),
-                         {EditUndo, EditClipboard, EditSelect, EditSubMenus, EditLines, EditOther});
-    m_menus->DeclareMenu(MenuId::Search, QStringLiteral("&Search"),
-                         {SearchFind, SearchFiles, SearchGoto, SearchBookmarks, SearchNavigate});
-    m_menus->DeclareMenu(MenuId::View, QStringLiteral("&View"),
-                         {ViewAs, ViewToggles, ViewZoom, ViewFont, ViewBars, ViewCompare});
-    m_menus->DeclareMenu(MenuId::Tools, QStringLiteral("&Tools"),
-                         {ToolsUser, ToolsRun, ToolsCustomise, ToolsOptions});
-    m_menus->DeclareMenu(MenuId::Window, QStringLiteral("&Window"), {WindowNew, WindowTabs, WindowList});
-    m_menus->DeclareMenu(MenuId::Help, QStringLiteral("&Help"), {HelpContents, HelpAbout});
-    m_menus->DeclareContextMenu(MenuId::EditorContext, {MenuGroup::Default});
-    m_menus->DeclareContextMenu(MenuId::TabContext, {MenuGroup::Default});
-    m_menus->DeclareToolBar(ToolBarId::Standard, QStringLiteral("Standard Buttons"),
-                            {ToolBarGroup::File, ToolBarGroup::Clipboard, ToolBarGroup::Undo,
-                             ToolBarGroup::Print, ToolBarGroup::Find});
+    DeclareStandardPlaces(*m_menus);
 }
 
 CFakeShell::~CFakeShell() = default;

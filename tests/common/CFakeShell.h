@@ -57,6 +57,8 @@ public:
     void SetProgress(qint64) override {}
     void StopProgress() override {}
 
+    const QList<QWidget*>& ModelessWindows() const { return m_modeless; }
+
     // What the subsystem asked for, for the test to check.
     QStringList openedPaths;
     QList<OpenOptions> openedOptions;

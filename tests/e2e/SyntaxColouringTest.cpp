@@ -1,6 +1,7 @@
 #include "settings/AppPaths.h"
 #include "E2eFixture.h"
 
+#include "syntax/CSyntaxCommands.h"
 #include "syntax/CSyntaxParserList.h"
 
 #include <QSet>
@@ -62,7 +63,7 @@ TEST_P(ShippedLanguages, SampleOpenedFromAFileIsColoured)
 {
     const Sample& sample = GetParam();
     ASSERT_TRUE(App()->InitInstance({}));
-    ASSERT_GE(Frame()->Parsers().FindByExtension(QString::fromLatin1(sample.extension)), 0)
+    ASSERT_GE(CSyntaxCommands::Of(*Frame())->Parsers().FindByExtension(QString::fromLatin1(sample.extension)), 0)
         << "a shipped definition claims " << sample.extension;
     const QString path = MakeFile(QStringLiteral("sample") + QString::fromLatin1(sample.extension),
                                   QByteArray(sample.text));
@@ -92,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(EachDefinition, ShippedLanguages, ::testing::ValuesIn(k
 TEST_F(E2eFixture, EveryShippedDefinitionIsLoadedAndHasASample)
 {
     ASSERT_TRUE(App()->InitInstance({}));
-    const CSyntaxParserList& parsers = Frame()->Parsers();
+    const CSyntaxParserList& parsers = CSyntaxCommands::Of(*Frame())->Parsers();
     QStringList missing;
     for (int i = 0; i < parsers.GetCount(); ++i) {
         const CSyntaxParser parser = parsers.GetParser(i);

@@ -7,6 +7,7 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
+#include "editor/CEditorCommands.h"
 #include "TestSupport.h"
 
 #include <QAction>
@@ -60,7 +61,8 @@ protected:
         m_view->OnUpdateUi();
         History() = NavigationHistory();
     }
-    static NavigationHistory& History() { return CMorvaneApp::Instance()->GetNavigation(); }
+    static NavigationHistory& History() { return Host()->Navigation(); }
+    static CEditorCommands* Host() { return CEditorCommands::Of(*CMorvaneApp::MainFrame()); }
 
     CMainFrame* m_main = nullptr;
     CScrivelFrame* m_frame = nullptr;
@@ -117,14 +119,14 @@ TEST_F(EditorViewAppTest, AClosedViewLeavesNoPositionsAndIsNoLongerActive)
     second->GetView()->GotoPosition(m_editor->PositionFromLine(100));
     ASSERT_EQ(History().Count(), 4);
     ASSERT_EQ(m_main->MdiArea()->activeSubWindow(), second) << "deleting m_frame moves no focus";
-    CMorvaneApp::Instance()->SetActiveView(m_view);
+    Host()->SetActiveView(m_view);
 
     delete m_frame;
     m_frame = nullptr;
     for (const Entry& entry : History().Entries())
         EXPECT_NE(entry.view, static_cast<const void*>(m_view));
     EXPECT_EQ(History().Count(), 2);
-    EXPECT_EQ(CMorvaneApp::Instance()->GetActiveView(), nullptr);
+    EXPECT_EQ(Host()->ActiveView(), nullptr);
 }
 
 TEST_F(EditorViewAppTest, ContextMenuSharesTheMainWindowsActions)

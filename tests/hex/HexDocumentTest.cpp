@@ -110,6 +110,29 @@ TEST(HexDocument, SaveSaveAsAndAFailedSave)
     EXPECT_EQ(TestSupport::ReadFile(document.saveAsAnswer), QByteArray("X1234--56789"));
 }
 
+// Listeners (versions, recovery) hear of every load and save, and of a save before the
+// old file is touched; a failed save announces no "saved".
+TEST(HexDocument, AnnouncesLoadsAndSavesWithTheOldFileStillThereBeforeASave)
+{
+    TestDocument document;
+    const QString path = MakeFile("abc");
+    QStringList events;
+    QObject::connect(&document, &CDocument::loaded, [&](const QString& p) { events << "loaded " + p; });
+    QObject::connect(&document, &CDocument::aboutToSave, [&](const QString& p) {
+        events << "about " + QString::fromLatin1(QFileInfo::exists(p) ? TestSupport::ReadFile(p) : QByteArray("(none)"));
+    });
+    QObject::connect(&document, &CDocument::saved, [&](const QString& p) {
+        events << "saved " + QString::fromLatin1(TestSupport::ReadFile(p));
+    });
+    ASSERT_TRUE(document.OnOpenDocument(path));
+    document.SetPathName(path);
+    ASSERT_TRUE(document.Overwrite(0, "X"));
+    ASSERT_TRUE(document.DoFileSave());
+    const QString bad = QFileInfo(path).absolutePath() + QStringLiteral("/no/such/folder/x.bin");
+    EXPECT_FALSE(document.DoSave(bad));
+    EXPECT_EQ(events, (QStringList{"loaded " + path, "about abc", "saved Xbc", "about (none)"}));
+}
+
 class HexFrameTest : public ::testing::Test
 {
 protected:

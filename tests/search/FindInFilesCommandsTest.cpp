@@ -5,7 +5,8 @@
 #include "editor/CScrivelDoc.h"
 #include "search/CFindInFilesCommands.h"
 #include "search/CFindInFilesRunner.h"
-#include "tools/COutputBar.h"
+#include "tools/COutputBarCommands.h"
+#include <QDockWidget>
 #include "TestSupport.h"
 
 #include <QAction>
@@ -26,7 +27,8 @@ protected:
         TestSupport::ClearSettings();
         m_dir = TestSupport::MakeTempDir();
         ASSERT_TRUE(App()->InitInstance({}));
-        m_commands = CFindInFilesCommands::Install(CMorvaneApp::MainFrame());
+        m_commands = CFindInFilesCommands::Of(*CMorvaneApp::MainFrame());
+        m_bar = COutputBarCommands::Of(*CMorvaneApp::MainFrame())->Dock();
     }
     void TearDown() override { App()->Shutdown(); }
     static CMorvaneApp* App() { return CMorvaneApp::Instance(); }
@@ -45,6 +47,7 @@ protected:
 
     QString m_dir;
     CFindInFilesCommands* m_commands = nullptr;
+    QDockWidget* m_bar = nullptr;
 };
 
 TEST_F(FindInFilesCommandsTest, TheOutputBarFollowsItsCommand)
@@ -52,11 +55,11 @@ TEST_F(FindInFilesCommandsTest, TheOutputBarFollowsItsCommand)
     CMainFrame* frame = CMorvaneApp::MainFrame();
     QAction* toggle = frame->Action(Cmd::ViewOutputBar);
     ASSERT_NE(toggle, nullptr);
-    const bool before = m_commands->OutputBar()->isVisible();
+    const bool before = m_bar->isVisible();
     frame->OnCommand(Cmd::ViewOutputBar);
-    EXPECT_NE(m_commands->OutputBar()->isVisible(), before);
+    EXPECT_NE(m_bar->isVisible(), before);
     frame->UpdateCommandUI();
-    EXPECT_EQ(toggle->isChecked(), m_commands->OutputBar()->isVisible());
+    EXPECT_EQ(toggle->isChecked(), m_bar->isVisible());
     EXPECT_NE(frame->Action(Cmd::FindInFiles), nullptr);
 }
 

@@ -1,8 +1,8 @@
 #include "search/CFindInFilesDialog.h"
 #include "search/CFindInFilesRunner.h"
 #include "search/CHistoryComboBox.h"
-#include "tools/CFindResultsModel.h"
-#include "tools/COutputBar.h"
+#include "search/CFindResultsModel.h"
+#include "search/CFindResultsPage.h"
 
 #include "TestSupport.h"
 #include "settings/CRegistryStore.h"
@@ -139,7 +139,7 @@ TEST_F(FindInFilesDialogTest, RunnerFillsTheOutputBarEndToEnd)
     TestSupport::WriteFile(m_folder + QStringLiteral("/a.txt"), "one needle\ntwo\nneedle three\n");
     TestSupport::WriteFile(m_folder + QStringLiteral("/sub/b.txt"), "\tneedle\n");
     TestSupport::WriteFile(m_folder + QStringLiteral("/c.bin"), QByteArray("needle\0", 7));
-    COutputBar bar;
+    CFindResultsPage bar;
     CFindInFilesRunner runner(&bar);
     QSignalSpy finished(&runner, &CFindInFilesRunner::finished);
     FindInFilesOptions options;

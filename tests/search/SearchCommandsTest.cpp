@@ -29,7 +29,7 @@ protected:
         CMorvaneApp::Instance()->Shutdown();
         TestSupport::ClearSettings();
         ASSERT_TRUE(CMorvaneApp::Instance()->InitInstance({}));
-        m_commands = CSearchCommands::Install(Frame());
+        m_commands = CSearchCommands::Install(*Frame());
         ASSERT_NE(m_commands, nullptr);
     }
     void TearDown() override { CMorvaneApp::Instance()->Shutdown(); }
@@ -47,7 +47,7 @@ protected:
 // toolbar box, the dialogs they open, and the dialogs going with the window.
 TEST_F(SearchCommandsTest, CommandsReachTheActiveTextView)
 {
-    EXPECT_EQ(CSearchCommands::Install(Frame()), m_commands) << "installed once";
+    EXPECT_EQ(CSearchCommands::Install(*Frame()), m_commands) << "installed once";
     auto* box = Frame()->findChild<QComboBox*>(QStringLiteral("FindBox"));
     ASSERT_NE(box, nullptr);
     box->setEditText(QStringLiteral("abc"));

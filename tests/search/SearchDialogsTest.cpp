@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -15,6 +16,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -38,6 +40,24 @@ T* Child(QWidget* dialog, const char* name)
     return child;
 }
 
+// Destroys the tracked dialogs when the window it watches closes.
+class ModelessCloser : public QObject
+{
+public:
+    explicit ModelessCloser(QList<QPointer<QWidget>>& windows) : m_windows(windows) {}
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Close) {
+            for (const QPointer<QWidget>& window : std::exchange(m_windows, {}))
+                delete window.data();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QList<QPointer<QWidget>>& m_windows;
+};
+
 // A window with a toolbar find box and two text controls, one of them "active".
 class SearchDialogsTest : public ::testing::Test
 {
@@ -56,6 +76,11 @@ protected:
         }
         m_active = Editor(0);
         m_commands = new CSearchCommands(m_window.get(), [this] { return m_active; });
+        m_commands->SetFindBox(m_findBox);
+        // As the main window does: the dialogs go first when it closes.
+        m_commands->SetModelessTracker([this](QWidget* dialog) { m_modeless << dialog; });
+        m_closer = std::make_unique<ModelessCloser>(m_modeless);
+        m_window->installEventFilter(m_closer.get());
     }
     void TearDown() override
     {
@@ -74,6 +99,8 @@ protected:
     // Lets the dialogs that were asked to go actually go.
     static void FlushDeletes() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
+    QList<QPointer<QWidget>> m_modeless;
+    std::unique_ptr<ModelessCloser> m_closer;
     std::unique_ptr<QWidget> m_window;
     QComboBox* m_findBox = nullptr;
     std::unique_ptr<CMFCScintilla> m_editors[2];

@@ -1,7 +1,7 @@
 #include "TestSupport.h"
 
 #include "editor/CMFCScintilla.h"
-#include "search/CTextSearch.h"
+#include "editor/CTextSearch.h"
 
 #include <gtest/gtest.h>
 

@@ -85,4 +85,35 @@ TEST_F(MenuPlacesTest, ToolbarLinesShowOnlyBetweenFilledGroupsAndCommandsAreList
     EXPECT_EQ(Shown(menus.ToolBar(ToolBarId::Standard)->actions()), (QStringList{"New", "-", "Copy"}));
 }
 
+TEST_F(MenuPlacesTest, AGroupOrderPlacesCommandsWhicheverSubsystemAddsThemFirst)
+{
+    Register(10, "Open");
+    Register(11, "Open as Hex");
+    Register(12, "Close");
+    Register(13, "Extra");
+    CMenuPlaces& menus = shell.Menus();
+    menus.SetGroupOrder(MenuId::File, MenuGroup::FileOpen, {10, 11, 12});
+    // The main window adds its two, another subsystem its one in between, later.
+    menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 12);
+    menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 13);
+    menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 10);
+    menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 11);
+    EXPECT_EQ(Folded(Shown(menus.Menu(MenuId::File)->actions())),
+              (QStringList{"Open", "Open as Hex", "Close", "Extra"}));
+}
+
+TEST_F(MenuPlacesTest, EmptySubmenusAndToolsStayHiddenUntilSomethingIsAdded)
+{
+    CMenuPlaces& menus = shell.Menus();
+    QMenu* tools = menus.Menu(MenuId::Tools);
+    QMenu* lines = menus.Menu(MenuId::EditLines);
+    ASSERT_TRUE(tools && lines);
+    EXPECT_FALSE(tools->menuAction()->isVisible());
+    EXPECT_FALSE(lines->menuAction()->isVisible());
+    Register(20, "Run Tool");
+    menus.AddCommand(MenuId::Tools, MenuGroup::ToolsRun, 20);
+    EXPECT_TRUE(tools->menuAction()->isVisible());
+    EXPECT_FALSE(lines->menuAction()->isVisible());
+}
+
 } // namespace

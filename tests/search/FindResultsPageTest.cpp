@@ -1,4 +1,4 @@
-#include "tools/COutputBar.h"
+#include "search/CFindResultsPage.h"
 
 #include <QDir>
 #include <QListView>
@@ -20,7 +20,7 @@ FindInFilesMatch Match(const QString& path, int line, int column, const QString&
     return match;
 }
 
-class OutputBarTest : public ::testing::Test
+class FindResultsPageTest : public ::testing::Test
 {
 protected:
     void SetUp() override
@@ -28,12 +28,14 @@ protected:
         m_bar.resize(300, 200);
         m_bar.show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_bar));
+        QObject::connect(&m_bar, &CFindResultsPage::showRequested, [this] { ++m_shown; });
         m_bar.beginSearch(QStringLiteral("Find"));
     }
-    COutputBar m_bar;
+    int m_shown = 0;
+    CFindResultsPage m_bar;
 };
 
-TEST_F(OutputBarTest, ListsPathLineColumnTextAndDoubleClickOrEnterOpensIt)
+TEST_F(FindResultsPageTest, ListsPathLineColumnTextAndDoubleClickOrEnterOpensIt)
 {
     const QString one = QStringLiteral("/a/one.txt"), two = QStringLiteral("/a/two.txt");
     m_bar.addMatches({Match(one, 3, 7, QStringLiteral("first"))});
@@ -42,7 +44,7 @@ TEST_F(OutputBarTest, ListsPathLineColumnTextAndDoubleClickOrEnterOpensIt)
     ASSERT_EQ(view->model()->rowCount(), 2);
     EXPECT_EQ(view->model()->index(1, 0).data().toString(), QDir::toNativeSeparators(two) + QStringLiteral("(41,2):   second"));
 
-    QSignalSpy spy(&m_bar, &COutputBar::openLocation);
+    QSignalSpy spy(&m_bar, &CFindResultsPage::openLocation);
     const QPoint where = view->visualRect(view->model()->index(1, 0)).center();
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, where);
     QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, where);
@@ -57,7 +59,7 @@ TEST_F(OutputBarTest, ListsPathLineColumnTextAndDoubleClickOrEnterOpensIt)
     EXPECT_EQ(view->model()->rowCount(), 0);
 }
 
-TEST_F(OutputBarTest, ListScrollsSidewaysToTheLongestLineWhereverItIs)
+TEST_F(FindResultsPageTest, ListScrollsSidewaysToTheLongestLineWhereverItIs)
 {
     m_bar.addMatches({Match(QStringLiteral("/a"), 1, 0, QStringLiteral("short"))});
     QCoreApplication::processEvents();
@@ -71,11 +73,11 @@ TEST_F(OutputBarTest, ListScrollsSidewaysToTheLongestLineWhereverItIs)
     EXPECT_GT(view->horizontalScrollBar()->maximum(), before + 1000);
 }
 
-TEST_F(OutputBarTest, StopAsksToStopAndTheSummaryTellsWhatWasSkipped)
+TEST_F(FindResultsPageTest, StopAsksToStopAndTheSummaryTellsWhatWasSkipped)
 {
-    QSignalSpy stop(&m_bar, &COutputBar::stopRequested);
+    QSignalSpy stop(&m_bar, &CFindResultsPage::stopRequested);
     EXPECT_TRUE(m_bar.isStopVisible());
-    EXPECT_EQ(m_bar.currentPage(), COutputBar::FindResultsPage);
+    EXPECT_EQ(m_shown, 1) << "a search that begins asks for its page to be shown";
     m_bar.findChild<QPushButton*>()->click();
     EXPECT_EQ(stop.size(), 1);
 
@@ -85,7 +87,7 @@ TEST_F(OutputBarTest, StopAsksToStopAndTheSummaryTellsWhatWasSkipped)
     EXPECT_FALSE(m_bar.isStopVisible());
     EXPECT_TRUE(m_bar.findStatusText().contains(QStringLiteral("1 unreadable"))) << m_bar.findStatusText().toStdString();
     summary.cancelled = true;
-    EXPECT_TRUE(COutputBar::summaryText(summary).contains(QStringLiteral("stopped")));
+    EXPECT_TRUE(CFindResultsPage::summaryText(summary).contains(QStringLiteral("stopped")));
 }
 
 } // namespace

@@ -1,0 +1,6 @@
+#pragma once
+
+class IShell;
+
+// File > Open as Hex. The hex frames answer the editing commands themselves.
+void InstallHex(IShell& shell);

@@ -1,0 +1,103 @@
+// Every subsystem installed into one shell, as the program does: no key bound twice,
+// every command reachable from a menu, a toolbar or a frame, placeholders taken over.
+#include "CFakeShell.h"
+#include "TestSupport.h"
+
+#include "app/Subsystems.h"
+#include "framework/CommandIds.h"
+
+#include <QAction>
+#include <QMap>
+#include <QMenu>
+#include <QToolBar>
+#include <gtest/gtest.h>
+
+namespace {
+
+class AllSubsystemsTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        TestSupport::ClearSettings();
+        InstallSubsystems(m_shell);
+    }
+    // Every action of every declared menu, submenus included.
+    QList<QAction*> MenuActions() const
+    {
+        QList<QAction*> all;
+        for (const QString& id : const_cast<CFakeShell&>(m_shell).Menus().MenuIds())
+            all << const_cast<CFakeShell&>(m_shell).Menus().Menu(id)->actions();
+        return all;
+    }
+    CFakeShell m_shell;
+};
+
+TEST_F(AllSubsystemsTest, NoKeyIsBoundTwiceAndTheControlsOwnKeysAreLeftAlone)
+{
+    CCommandRegistry& commands = m_shell.Commands();
+    QMap<QString, int> owners;
+    for (const int id : commands.Ids()) {
+        const QKeySequence key = commands.Shortcut(id);
+        if (key.isEmpty())
+            continue;
+        EXPECT_FALSE(owners.contains(key.toString()))
+            << key.toString().toStdString() << " is bound to " << owners.value(key.toString()) << " and " << id;
+        owners.insert(key.toString(), id);
+        EXPECT_EQ(commands.CommandForShortcut(key), id);
+    }
+    for (const char* key : {"Tab", "Shift+Tab", "Del", "Ins", "Backspace", "Return"})
+        EXPECT_FALSE(owners.contains(QKeySequence(QString::fromLatin1(key)).toString())) << key;
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+G")), int(Cmd::EditGoto));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Q")), int(Cmd::EditComment));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Shift+O")), int(Cmd::FileOpenAsHex));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Shift+F")), int(Cmd::FindInFiles));
+}
+
+TEST_F(AllSubsystemsTest, EveryRegisteredCommandHasAPlaceInAMenu)
+{
+    const QList<QAction*> shown = MenuActions();
+    for (const int id : m_shell.Commands().Ids()) {
+        // The frame's own commands (Open, Save ...) are placed by the main window.
+        EXPECT_TRUE(shown.contains(m_shell.Commands().Action(id))) << id;
+    }
+}
+
+TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar)
+{
+    QStringList texts;
+    for (QAction* action : m_shell.Menus().Menu(MenuId::View)->actions()) {
+        if (action->isVisible())
+            texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
+    }
+    EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "White&space", "Line &Endings", "&Caret Line",
+                                  "Line &Numbers", "Code &Folding", "&Block Select", "&Match Bracket", "-",
+                                  "&Font...", "-", "&Output Bar"}));
+    QMenu* viewAs = m_shell.Menus().Menu(MenuId::ViewAs);
+    ASSERT_FALSE(viewAs->actions().isEmpty());
+    EXPECT_EQ(viewAs->actions().last()->data().toInt(), int(Cmd::ViewAsMore));
+    EXPECT_EQ(viewAs->actions().last(), m_shell.Commands().Action(Cmd::ViewAsMore));
+}
+
+TEST_F(AllSubsystemsTest, APlaceholdersSubsystemTakesItsPlaceOverWithTheSameAction)
+{
+    CCommandRegistry& commands = m_shell.Commands();
+    QAction* before = commands.Action(Cmd::FilePrint);
+    ASSERT_NE(before, nullptr);
+    EXPECT_FALSE(commands.State(Cmd::FilePrint).enabled) << "greyed while nobody prints";
+    int printed = 0;
+    QAction* after = commands.Register({.id = Cmd::FilePrint, .text = QStringLiteral("&Print..."),
+                                        .shortcut = QKeySequence(QKeySequence::Print),
+                                        .run = [&printed] { ++printed; }});
+    EXPECT_EQ(after, before);
+    m_shell.Menus().AddCommand(MenuId::File, MenuGroup::FilePrint, Cmd::FilePrint);
+    EXPECT_EQ(m_shell.Menus().Menu(MenuId::File)->actions().count(before), 1) << "added once";
+    EXPECT_TRUE(commands.State(Cmd::FilePrint).enabled);
+    commands.Execute(Cmd::FilePrint);
+    EXPECT_EQ(printed, 1);
+    // A real command is not taken over a second time.
+    EXPECT_EQ(commands.Register({.id = Cmd::FilePrint, .text = QStringLiteral("Other")}), nullptr);
+    EXPECT_EQ(commands.Action(Cmd::FilePrint)->text(), QStringLiteral("&Print..."));
+}
+
+} // namespace
