@@ -10,6 +10,7 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/TextFileDetector.h"
+#include "explorer/ExplorerInstall.h"
 #include "hex/HexTemplate.h"
 #include "compare/CCompareCommands.h"
 #include "compare/CompareArguments.h"
@@ -177,6 +178,9 @@ CDocument* CMorvaneApp::RouteOpenFile(const QString& path)
     if (path.isEmpty())
         return NewDocument();
     if (m_pMainFrame && m_pMainFrame->ActivateOpenDocument(path))
+        return nullptr;
+    // A workspace file opens as the workspace, not as a document.
+    if (m_pMainFrame && OpenWorkspaceIfProjectFile(*m_pMainFrame, path))
         return nullptr;
 
     TextFileDetector probe;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "explorer/ExplorerPageKind.h"
 #include "shell/IExplorerPage.h"
 
 #include <QObject>
@@ -19,7 +20,7 @@ public:
     explicit CCodeLibraryPage(IShell& shell);
     ~CCodeLibraryPage() override;
 
-    int PageKind() const override { return 3; }
+    int PageKind() const override { return ExplorerPageKind::CodeLibrary; }
     QString Title() const override { return tr("Code Library"); }
     QIcon Icon() const override;
     QWidget* Widget() override;

@@ -9,11 +9,7 @@
 
 #include <QFileIconProvider>
 
-// The file properties dialog is the explorer's; without it "Properties" stays greyed.
-#if __has_include("explorer/CFileInfoDialog.h")
 #include "explorer/CFileInfoDialog.h"
-#define MORVANE_FILE_INFO_DIALOG 1
-#endif
 #include <QMainWindow>
 
 namespace {
@@ -55,12 +51,10 @@ CFileSysTreeCtrl* CFileExplorerPage::Tree()
     if (!m_tree) {
         m_tree = new CFileSysTreeCtrl(&m_shell);
         m_tree->SetShowHidden(m_showHidden);
-#ifdef MORVANE_FILE_INFO_DIALOG
         m_tree->SetPropertiesHandler([](const QString& path, QWidget* parent) {
             CFileInfoDialog dialog(path, parent);
             dialog.exec();
         });
-#endif
     }
     return m_tree;
 }

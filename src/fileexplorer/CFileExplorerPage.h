@@ -1,5 +1,6 @@
 #pragma once
 
+#include "explorer/ExplorerPageKind.h"
 #include "shell/IExplorerPage.h"
 
 #include <QObject>
@@ -17,7 +18,7 @@ public:
     explicit CFileExplorerPage(IShell& shell);
     ~CFileExplorerPage() override;
 
-    int PageKind() const override { return 1; }
+    int PageKind() const override { return ExplorerPageKind::File; }
     QString Title() const override { return tr("File Explorer"); }
     QIcon Icon() const override;
     QWidget* Widget() override;
