@@ -6,6 +6,7 @@
 #include "framework/CommandIds.h"
 #include "tools/COutputBar.h"
 #include "tools/COutputBarCommands.h"
+#include "shell/IOutputPage.h"
 
 #include <QAction>
 #include <QDockWidget>
