@@ -140,10 +140,13 @@ void InstallExplorer(IShell& shell)
     tree->Workspace().NewWorkspace();
     QObject::connect(&shell.Events(), &CShellEvents::documentCreated, tree,
                      [tree](CDocument* document) { WorkspaceDocumentHook::Watch(document, tree->Workspace()); });
-    // Leaving the program with an unsaved workspace asks as closing the workspace does.
+    // Leaving the program with an unsaved workspace of the user's own (one saved or
+    // opened under a name) asks as closing the workspace does. The unnamed workspace that
+    // only collects what was opened is not worth a question at every exit.
     QObject::connect(&shell.Events(), &CShellEvents::closing, tree, [tree] {
         CWorkspace& workspace = tree->Workspace();
-        if (workspace.IsWorkspaceOpen() && workspace.IsModified() && tree->AskSaveBeforeClose())
+        if (workspace.IsWorkspaceOpen() && workspace.IsModified()
+            && !workspace.GetWorkspacePath().isEmpty() && tree->AskSaveBeforeClose())
             workspace.SaveWorkspace();
     });
 }

@@ -181,9 +181,7 @@ TEST_F(StartupTest, ClosingWritesTheSettingsBeforeAskingAboutChanges)
     {
         TestSupport::ModalAnswerer cancel(QMessageBox::Cancel);
         Frame()->close();
-        // The workspace, which collected the file, asks first.
-        EXPECT_EQ(cancel.Texts(), QStringList({QStringLiteral("Save workspace before closing?"),
-                                               QStringLiteral("Save changes to dirty.txt?")}));
+        EXPECT_EQ(cancel.Texts(), QStringList({QStringLiteral("Save changes to dirty.txt?")}));
     }
     EXPECT_TRUE(Frame()->isVisible()) << "Cancel keeps the program running";
     QSettings file(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Brackwyn"),

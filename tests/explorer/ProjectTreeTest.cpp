@@ -231,20 +231,29 @@ TEST_F(ProjectTreeTest, OnlyProjectFilesTakeTheWorkspaceRoute)
     EXPECT_EQ(m_bar->PageKind(), ExplorerPageKind::Project);
 }
 
-TEST_F(ProjectTreeTest, LeavingWithAnUnsavedWorkspaceAsks)
+TEST_F(ProjectTreeTest, LeavingWithAnUnsavedNamedWorkspaceAsksButTheUnnamedCollectorDoesNot)
 {
     Q_EMIT m_shell.Events().closing();
     EXPECT_EQ(m_questions, 0);
 
     Ws().AddFile(Path("a.c"), nullptr, 0, 4);
     Q_EMIT m_shell.Events().closing();
-    EXPECT_EQ(m_questions, 1);
-    EXPECT_TRUE(Ws().IsModified()) << "No keeps nothing on disk";
+    EXPECT_EQ(m_questions, 0) << "files collected into the unnamed workspace ask nothing";
 
     m_answerYes = true;
     m_savePath = Path("exit.spf");
+    Ws().SaveWorkspace();
+    ASSERT_EQ(Ws().GetWorkspacePath(), Path("exit.spf"));
+    Ws().AddFile(Path("b.c"), nullptr, 0, 4);
+    m_answerYes = false;
     Q_EMIT m_shell.Events().closing();
-    EXPECT_TRUE(TestSupport::ReadFile(Path("exit.spf")).contains("a.c"));
+    EXPECT_EQ(m_questions, 1);
+    EXPECT_TRUE(Ws().IsModified()) << "No keeps nothing on disk";
+    EXPECT_FALSE(TestSupport::ReadFile(Path("exit.spf")).contains("b.c"));
+
+    m_answerYes = true;
+    Q_EMIT m_shell.Events().closing();
+    EXPECT_TRUE(TestSupport::ReadFile(Path("exit.spf")).contains("b.c"));
     EXPECT_FALSE(Ws().IsModified());
 }
 
