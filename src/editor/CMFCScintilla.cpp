@@ -1,5 +1,6 @@
 #include "CMFCScintilla.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 #include "settings/CRegistryStore.h"
@@ -12,6 +13,7 @@
 #include <QMimeData>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <algorithm>
 
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
@@ -23,7 +25,8 @@ void CMFCScintilla::Setup()
     SendScintilla(SCI_CANCEL);
     SendScintilla(SCI_MARKERDEFINE, BookmarkMarker, SC_MARK_ROUNDRECT);
     SendScintilla(SCI_MARKERDEFINE, 15, SC_MARK_EMPTY);
-    SendScintilla(SCI_SETCODEPAGE, 0);
+    // Every document is held as UTF-8, whatever its file's encoding.
+    SendScintilla(SCI_SETCODEPAGE, static_cast<unsigned long>(SC_CP_UTF8));
 
     // Margin 0 holds bookmarks, margin 1 line numbers, margin 2 folding.
     SendScintilla(SCI_SETMARGINTYPEN, 0, SC_MARGIN_SYMBOL);
@@ -51,6 +54,9 @@ void CMFCScintilla::Setup()
     SendScintilla(SCI_SETSELBACK, 1, 0xC56A31L); // #316AC5
     SendScintilla(SCI_SETSELFORE, 1, 0xFFFFFFL);
     SendScintilla(SCI_SETMODEVENTMASK, SC_MODEVENTMASKALL);
+    // Typing, deleting and pasting into a rectangle act on every line of it.
+    SendScintilla(SCI_SETADDITIONALSELECTIONTYPING, 1UL);
+    SendScintilla(SCI_SETMULTIPASTE, static_cast<unsigned long>(SC_MULTIPASTE_EACH));
     // The view offers its own context menu.
     SendScintilla(SCI_USEPOPUP, 0UL);
 }
@@ -345,6 +351,14 @@ void CMFCScintilla::Allocate(long bytes)
     SendScintilla(SCI_ALLOCATE, static_cast<unsigned long>(bytes));
 }
 
+void CMFCScintilla::ConvertLineEndings(int mode)
+{
+    SetEOLMode(mode);
+    BeginUndoAction();
+    SendScintilla(SCI_CONVERTEOLS, static_cast<unsigned long>(mode));
+    EndUndoAction();
+}
+
 void CMFCScintilla::SetCodePage(int codePage)
 {
     SendScintilla(SCI_SETCODEPAGE, static_cast<unsigned long>(codePage));
@@ -462,11 +476,28 @@ long CMFCScintilla::GetColumn(long position) const
     return SendScintilla(SCI_GETCOLUMN, static_cast<unsigned long>(position));
 }
 
+quint32 CMFCScintilla::BlendOverBackground(quint32 colour, int alpha, quint32 background)
+{
+    alpha = std::clamp(alpha, 0, 255);
+    quint32 out = 0;
+    for (int shift = 0; shift <= 16; shift += 8) {
+        const quint32 front = (colour >> shift) & 0xFF;
+        const quint32 back = (background >> shift) & 0xFF;
+        const quint32 mixed = (front * quint32(alpha) + back * quint32(255 - alpha) + 127) / 255;
+        out |= mixed << shift;
+    }
+    return out;
+}
+
 void CMFCScintilla::SetCaretLine(bool on, quint32 colour, int alpha)
 {
+    // This control paints a translucent caret line over the text, hiding it and the
+    // caret. It is painted opaque behind the text instead, in the colour the blend
+    // with the text's background would give.
     SendScintilla(SCI_SETCARETLINEVISIBLE, static_cast<unsigned long>(on));
-    SendScintilla(SCI_SETCARETLINEBACK, static_cast<unsigned long>(colour));
-    SendScintilla(SCI_SETCARETLINEBACKALPHA, static_cast<unsigned long>(alpha));
+    SendScintilla(SCI_SETCARETLINEBACK, static_cast<unsigned long>(
+        BlendOverBackground(colour, alpha, quint32(SendScintilla(SCI_STYLEGETBACK, STYLE_DEFAULT)))));
+    SendScintilla(SCI_SETCARETLINEBACKALPHA, static_cast<unsigned long>(SC_ALPHA_NOALPHA));
 }
 
 void CMFCScintilla::SetFont(const QString& face, int size, bool bold, bool italic)
@@ -504,6 +535,31 @@ QMouseEvent WithRectangleModifier(const QMouseEvent* event)
 }
 
 } // namespace
+
+void CMFCScintilla::keyPressEvent(QKeyEvent* event)
+{
+    // While Block Select is on, Shift with a movement key extends a rectangle.
+    if (m_blockSelect && event->modifiers() == Qt::ShiftModifier) {
+        int command = 0;
+        switch (event->key()) {
+        case Qt::Key_Left: command = SCI_CHARLEFTRECTEXTEND; break;
+        case Qt::Key_Right: command = SCI_CHARRIGHTRECTEXTEND; break;
+        case Qt::Key_Up: command = SCI_LINEUPRECTEXTEND; break;
+        case Qt::Key_Down: command = SCI_LINEDOWNRECTEXTEND; break;
+        case Qt::Key_Home: command = SCI_VCHOMERECTEXTEND; break;
+        case Qt::Key_End: command = SCI_LINEENDRECTEXTEND; break;
+        case Qt::Key_PageUp: command = SCI_PAGEUPRECTEXTEND; break;
+        case Qt::Key_PageDown: command = SCI_PAGEDOWNRECTEXTEND; break;
+        default: break;
+        }
+        if (command) {
+            SendScintilla(static_cast<unsigned int>(command));
+            event->accept();
+            return;
+        }
+    }
+    QsciScintillaBase::keyPressEvent(event);
+}
 
 void CMFCScintilla::mousePressEvent(QMouseEvent* event)
 {

@@ -96,6 +96,8 @@ public:
     long ReplaceTargetRE(const QByteArray& text);
 
     // Composite operations.
+    // Converts every line end to `mode` as one undo step and types new ones in it.
+    void ConvertLineEndings(int mode);
     long GetSelectionSize() const { return GetSelectionEnd() - GetSelectionStart(); }
     bool HasSelection() const { return GetSelectionSize() > 0; }
     // Adds `length` bytes at the caret; a length of -1 measures up to the first zero.
@@ -110,7 +112,11 @@ public:
     // Current line and column of the caret, both from 0.
     long GetCurrentLine() const;
     long GetColumn(long position = -1) const;
+    // The current line's background: `alpha` 255 is `colour` itself, lower values mix it
+    // with the text's background. Always painted behind the text.
     void SetCaretLine(bool on, quint32 colour, int alpha);
+    // 0x00BBGGRR colours mixed as `colour` at `alpha` (0-255) over `background`.
+    static quint32 BlendOverBackground(quint32 colour, int alpha, quint32 background);
     void SetFont(const QString& face, int size, bool bold, bool italic);
     void SetTabWidth(int width);
     void SetBlockSelect(bool on);
@@ -205,6 +211,7 @@ Q_SIGNALS:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
 

@@ -2,6 +2,7 @@
 
 #include "CFindInFilesDialog.h"
 #include "CFindInFilesRunner.h"
+#include "CTextSearch.h"
 #include "app/CMainFrame.h"
 #include "app/CMorvaneApp.h"
 #include "framework/CommandIds.h"
@@ -78,6 +79,9 @@ void CFindInFilesCommands::OpenLocation(const QString& path, int line, int colum
     if (!document && m_frame->ActiveChild())
         document = m_frame->ActiveChild()->GetDocument();
     if (auto* text = qobject_cast<CScrivelDoc*>(document);
-        text && QFileInfo(text->GetPathName()) == QFileInfo(path))
+        text && QFileInfo(text->GetPathName()) == QFileInfo(path)) {
         text->GoToLineColumn(line, column);
+        if (CMFCScintilla* editor = text->GetEditor())
+            SelectFoundText(editor, m_runner->lastOptions());
+    }
 }

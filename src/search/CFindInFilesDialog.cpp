@@ -155,6 +155,9 @@ FindInFilesOptions CFindInFilesDialog::options() const
     options.matchCase = m_matchCase->isChecked();
     options.matchWord = m_matchWord->isChecked();
     options.regExp = m_regExp->isChecked();
+    // "Ansi" files are searched in the code page the editor opens them in.
+    options.ansiCodePage = CRegistryStore().GetProfileString(
+        QStringLiteral("EditSettings"), QStringLiteral("AnsiCodePage"), options.ansiCodePage);
     return options;
 }
 

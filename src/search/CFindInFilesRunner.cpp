@@ -45,6 +45,7 @@ bool CFindInFilesRunner::start(const FindInFilesOptions& options)
             m_bar->showSearchError(m_engine->errorString());
         return false;
     }
+    m_lastOptions = options;
     if (m_bar)
         m_bar->beginSearch(describe(options));
     return true;

@@ -1,5 +1,7 @@
 #include "CTextSearch.h"
 
+#include "FindInFilesTypes.h"
+
 #include "settings/CRegistryStore.h"
 #include "editor/CMFCScintilla.h"
 
@@ -148,6 +150,18 @@ long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
     return found;
 }
 
+bool CTextSearch::SelectMatchAtCaret(const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    const long caret = m_editor->GetCurrentPos();
+    const long lineEnd = m_editor->GetLineEndPosition(m_editor->LineFromPosition(caret));
+    if (SearchRange(caret, lineEnd, Encode(text)) != caret)
+        return false;
+    SelectTarget();
+    return true;
+}
+
 bool CTextSearch::MarkAll(const QString& text)
 {
     if (text.isEmpty())
@@ -165,14 +179,9 @@ bool CTextSearch::MarkAll(const QString& text)
     long pos = first;
     do {
         seen.insert(pos);
+        // Set, never toggled: a line with two matches would otherwise lose its mark.
         const long line = m_editor->LineFromPosition(pos);
-        const int mask = 1 << CMFCScintilla::BookmarkMarker;
-        if (m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERGET,
-                                    static_cast<unsigned long>(line)) & mask)
-            m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERDELETE,
-                                    static_cast<unsigned long>(line),
-                                    static_cast<long>(CMFCScintilla::BookmarkMarker));
-        else
+        if (!m_editor->HasBookmark(line))
             m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERADD,
                                     static_cast<unsigned long>(line),
                                     static_cast<long>(CMFCScintilla::BookmarkMarker));
@@ -314,4 +323,11 @@ QString CTextSearch::GetSearchSeed() const
         return seed;
     }
     return store.GetProfileString(FindReplaceSection, LastSelectedValue);
+}
+
+bool SelectFoundText(CMFCScintilla* editor, const FindInFilesOptions& options)
+{
+    CTextSearch search(editor);
+    search.SetSearchFlags(options.matchCase, options.matchWord, options.regExp);
+    return search.SelectMatchAtCaret(options.text);
 }

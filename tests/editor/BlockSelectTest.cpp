@@ -1,6 +1,8 @@
 #include "editor/CMFCScintilla.h"
 #include "TestSupport.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -49,6 +51,63 @@ TEST(BlockSelect, MouseDragsStayRectangularAfterTheCaretJumps)
     editor.SetBlockSelect(false);
     Drag(editor);
     EXPECT_FALSE(IsRectangular(editor));
+}
+
+// A rectangle made from the keyboard: what is typed, deleted or pasted goes to every line.
+class KeyboardRectangle : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_editor.Setup();
+        m_editor.resize(400, 200);
+        m_editor.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_editor));
+        m_editor.AddText("abcd\nabcd\nabcd\n");
+        m_editor.GotoPos(0);
+        // Moved there by key, so that the control knows the column to keep.
+        Key(Qt::Key_Right);
+    }
+    void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(&m_editor, key, modifiers);
+    }
+    QByteArray Text() const { return m_editor.GetText(); }
+
+    CMFCScintilla m_editor;
+};
+
+TEST_F(KeyboardRectangle, TypingDeletingAndPastingReachEveryLine)
+{
+    Key(Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
+    Key(Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
+    ASSERT_TRUE(IsRectangular(m_editor));
+    QTest::keyClicks(&m_editor, QStringLiteral("XY"));
+    EXPECT_EQ(Text(), QByteArray("aXYbcd\naXYbcd\naXYbcd\n"));
+    Key(Qt::Key_Backspace);
+    EXPECT_EQ(Text(), QByteArray("aXbcd\naXbcd\naXbcd\n"));
+    QApplication::clipboard()->setText(QStringLiteral("-"));
+    m_editor.Paste();
+    EXPECT_EQ(Text(), QByteArray("aX-bcd\naX-bcd\naX-bcd\n"));
+    m_editor.Undo();
+    EXPECT_EQ(Text(), QByteArray("aXbcd\naXbcd\naXbcd\n")) << "a paste is one undo step";
+}
+
+TEST_F(KeyboardRectangle, ShiftArrowsExtendARectangleWhileBlockSelectIsOn)
+{
+    m_editor.SetBlockSelect(true);
+    m_editor.GotoPos(0); // a jump makes the control forget its mode
+    Key(Qt::Key_Right);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_TRUE(IsRectangular(m_editor));
+    QTest::keyClicks(&m_editor, QStringLiteral("#"));
+    EXPECT_EQ(Text(), QByteArray("a#cd\na#cd\nabcd\n"));
+
+    m_editor.SetBlockSelect(false);
+    m_editor.GotoPos(0);
+    Key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_FALSE(IsRectangular(m_editor)) << "Shift+arrows select a stream with Block Select off";
 }
 
 } // namespace

@@ -4,6 +4,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QImage>
+#include <QTest>
+#include <QPixmap>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -285,5 +288,52 @@ TEST_F(ScintillaOperationsTest, SearchSeedIsCutTo99BytesWithoutSplittingACharact
     m_editor->GotoPos(0);
     EXPECT_EQ(m_editor->GetSearchSeed(), QString(98, u'q')) << "without a selection the last seed comes back";
 }
+
+// The current line's colour lies behind the text: its letters stay visible at every
+// transparency, 255 giving the colour itself and lower values a mix with the background.
+struct CaretLineCase
+{
+    int alpha;
+    quint32 expectedBack;
+};
+
+class CaretLine : public ScintillaOperationsTest, public ::testing::WithParamInterface<CaretLineCase>
+{
+};
+
+TEST_P(CaretLine, IsPaintedBehindTheText)
+{
+    const CaretLineCase& c = GetParam();
+    SetText("MMMMMMMMMMMMMMMMMMMM\nsecond line\n");
+    m_editor->GotoPos(0);
+    m_editor->SendScintilla(Sci::SCI_STYLESETBACK, Sci::STYLE_DEFAULT, 0xFFFFFFL);
+    m_editor->SetCaretLine(true, 0x00FFFF, c.alpha); // yellow
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETCARETLINEBACKALPHA), long(Sci::SC_ALPHA_NOALPHA));
+    EXPECT_EQ(quint32(m_editor->SendScintilla(Sci::SCI_GETCARETLINEBACK)), c.expectedBack);
+
+    m_editor->show();
+    m_editor->activateWindow();
+    m_editor->setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_editor.get()));
+    const QImage image = m_editor->viewport()->grab().toImage();
+    const int y = int(m_editor->SendScintilla(Sci::SCI_POINTYFROMPOSITION, 0UL, 0L))
+        + int(m_editor->SendScintilla(Sci::SCI_TEXTHEIGHT, 0UL)) / 2;
+    const int x0 = int(m_editor->SendScintilla(Sci::SCI_POINTXFROMPOSITION, 0UL, 0L));
+    const int x1 = int(m_editor->SendScintilla(Sci::SCI_POINTXFROMPOSITION, 0UL, 20L));
+    int dark = 0;
+    for (int x = x0; x < x1 && x < image.width(); ++x) {
+        if (qGray(image.pixel(x, y)) < 100)
+            ++dark;
+    }
+    EXPECT_GT(dark, 5) << "the letters of the current line are hidden";
+    const QRgb back = image.pixel(x1 + 20, y);
+    EXPECT_EQ(qRgb(qRed(back), qGreen(back), qBlue(back)),
+              qRgb(int(c.expectedBack & 0xFF), int((c.expectedBack >> 8) & 0xFF), int(c.expectedBack >> 16)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Alphas, CaretLine, ::testing::Values(
+    CaretLineCase{255, 0x00FFFF},
+    CaretLineCase{128, 0x7FFFFF},
+    CaretLineCase{0, 0xFFFFFF}));
 
 } // namespace
