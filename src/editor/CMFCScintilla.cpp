@@ -18,6 +18,52 @@
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
 {
+    connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
+        if (type & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))
+            m_headingsDirty = true;
+    });
+    connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+        if (updated & SC_UPDATE_V_SCROLL)
+            m_headingsDirty = true;
+        if (m_headingsDirty)
+            DecorateHeadings();
+    });
+}
+
+void CMFCScintilla::DecorateHeadings()
+{
+    m_headingsDirty = false;
+    constexpr int ValueFore = 1; // SC_INDICFLAG_VALUEFORE: each range carries its colour
+    constexpr long ValueBit = 0x1000000;
+    SendScintilla(SCI_INDICSETSTYLE, static_cast<unsigned long>(HeadingIndicator), static_cast<long>(INDIC_TEXTFORE));
+    SendScintilla(SCI_INDICSETFLAGS, static_cast<unsigned long>(HeadingIndicator), static_cast<long>(ValueFore));
+    SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(HeadingIndicator));
+    const long length = GetLength();
+    if (SendScintilla(SCI_GETLEXER) != SCLEX_MARKDOWN) {
+        if (SendScintilla(SCI_INDICATOREND, static_cast<unsigned long>(HeadingIndicator), 0L) > 0)
+            SendScintilla(SCI_INDICATORCLEARRANGE, 0UL, length);
+        return;
+    }
+    const long firstVisible = SendScintilla(SCI_GETFIRSTVISIBLELINE);
+    const long first = SendScintilla(SCI_DOCLINEFROMVISIBLE, static_cast<unsigned long>(firstVisible));
+    const long last = std::min(GetLineCount() - 1,
+        SendScintilla(SCI_DOCLINEFROMVISIBLE,
+                      static_cast<unsigned long>(firstVisible + SendScintilla(SCI_LINESONSCREEN) + 1)));
+    const long start = PositionFromLine(first);
+    const long end = GetLineEndPosition(last);
+    SendScintilla(SCI_COLOURISE, static_cast<unsigned long>(start), end);
+    SendScintilla(SCI_INDICATORCLEARRANGE, static_cast<unsigned long>(start), end - start);
+    for (long line = first; line <= last; ++line) {
+        const long lineStart = PositionFromLine(line);
+        const long lineEnd = GetLineEndPosition(line);
+        const int style = GetStyleAt(lineStart);
+        // Heading 1 to 6 of the Markdown lexer.
+        if (style < 6 || style > 11 || lineEnd <= lineStart)
+            continue;
+        const long colour = SendScintilla(SCI_STYLEGETFORE, static_cast<unsigned long>(style));
+        SendScintilla(SCI_SETINDICATORVALUE, static_cast<unsigned long>(colour | ValueBit));
+        SendScintilla(SCI_INDICATORFILLRANGE, static_cast<unsigned long>(lineStart), lineEnd - lineStart);
+    }
 }
 
 void CMFCScintilla::Setup()

@@ -19,6 +19,8 @@ public:
     static constexpr const char* ReplaceMarker = "<%REPLACE%>";
     static constexpr int LineNumberStyle = STYLE_LINENUMBER; // 33
     static constexpr int LineNumberMargin = 1;
+    // Paints the text of Markdown headings in their heading style's colour.
+    static constexpr int HeadingIndicator = 8;
 
     explicit CMFCScintilla(QWidget* parent = nullptr);
 
@@ -216,6 +218,11 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
+    // The Markdown lexer styles only a heading's "#" marks; the rest of each heading
+    // line on screen gets the marks' colour through an indicator.
+    void DecorateHeadings();
+    bool m_headingsDirty = true;
+
     // The control forgets a selection mode at the next click or caret jump, so block
     // selection is kept here and given to every mouse drag.
     bool m_blockSelect = false;

@@ -289,6 +289,33 @@ TEST_F(ScintillaOperationsTest, SearchSeedIsCutTo99BytesWithoutSplittingACharact
     EXPECT_EQ(m_editor->GetSearchSeed(), QString(98, u'q')) << "without a selection the last seed comes back";
 }
 
+// Markdown headings are coloured whole, not only their "#" marks; other lines are not.
+TEST_F(ScintillaOperationsTest, MarkdownHeadingTextTakesTheHeadingColour)
+{
+    m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "markdown");
+    m_editor->SendScintilla(Sci::SCI_STYLESETFORE, 6UL, 0xE60000L);
+    m_editor->SendScintilla(Sci::SCI_STYLESETFORE, 7UL, 0x00A000L);
+    SetText("# Title\nplain text\n## Second\n");
+    m_editor->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(m_editor.get()));
+    QCoreApplication::processEvents();
+    const auto colourAt = [this](long position) {
+        if (!(m_editor->SendScintilla(Sci::SCI_INDICATORALLONFOR, static_cast<unsigned long>(position))
+              & (1 << CMFCScintilla::HeadingIndicator)))
+            return -1L;
+        return m_editor->SendScintilla(Sci::SCI_INDICATORVALUEAT, static_cast<unsigned long>(CMFCScintilla::HeadingIndicator), position) & 0xFFFFFF;
+    };
+    EXPECT_EQ(colourAt(3), 0xE60000L) << "the text of a first-level heading";
+    EXPECT_EQ(colourAt(10), -1L) << "a plain line";
+    EXPECT_EQ(colourAt(21), 0x00A000L) << "the text of a second-level heading";
+
+    // Another language leaves no heading colour behind.
+    m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "null");
+    m_editor->AddText(" ");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(colourAt(3), -1L);
+}
+
 // The current line's colour lies behind the text: its letters stay visible at every
 // transparency, 255 giving the colour itself and lower values a mix with the background.
 struct CaretLineCase
