@@ -604,6 +604,17 @@ void CMFCScintilla::keyPressEvent(QKeyEvent* event)
             return;
         }
     }
+    // A Ctrl or Alt combination is a command or nothing: when the control has no command
+    // for it, its character must not land in the text (Ctrl+=, Alt+X).
+    const Qt::KeyboardModifiers mods = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (mods && !event->text().isEmpty()) {
+        QKeyEvent commandOnly(event->type(), event->key(), event->modifiers(), event->nativeScanCode(),
+                              event->nativeVirtualKey(), event->nativeModifiers(), QString(),
+                              event->isAutoRepeat(), ushort(event->count()));
+        QsciScintillaBase::keyPressEvent(&commandOnly);
+        event->setAccepted(commandOnly.isAccepted());
+        return;
+    }
     QsciScintillaBase::keyPressEvent(event);
 }
 

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QKeyEvent>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -108,6 +109,31 @@ TEST_F(KeyboardRectangle, ShiftArrowsExtendARectangleWhileBlockSelectIsOn)
     m_editor.GotoPos(0);
     Key(Qt::Key_Down, Qt::ShiftModifier);
     EXPECT_FALSE(IsRectangular(m_editor)) << "Shift+arrows select a stream with Block Select off";
+}
+
+// No Ctrl or Alt combination types its character; the control's own commands still run.
+TEST_F(KeyboardRectangle, CtrlAndAltCombinationsInsertNothing)
+{
+    const QByteArray before = Text();
+    struct Combo
+    {
+        Qt::Key key;
+        char text;
+        Qt::KeyboardModifiers modifiers;
+    };
+    for (const Combo& c : {Combo{Qt::Key_Equal, '=', Qt::ControlModifier}, Combo{Qt::Key_Minus, '-', Qt::ControlModifier},
+                           Combo{Qt::Key_0, '0', Qt::ControlModifier}, Combo{Qt::Key_Period, '.', Qt::ControlModifier},
+                           Combo{Qt::Key_Semicolon, ';', Qt::ControlModifier}, Combo{Qt::Key_Plus, '+', Qt::ControlModifier},
+                           Combo{Qt::Key_X, 'x', Qt::AltModifier}, Combo{Qt::Key_Q, 'q', Qt::ControlModifier | Qt::AltModifier}}) {
+        QTest::keyClick(&m_editor, c.key, c.modifiers);
+        QKeyEvent press(QEvent::KeyPress, c.key, c.modifiers, QString(QLatin1Char(c.text)));
+        QApplication::sendEvent(&m_editor, &press);
+        EXPECT_EQ(Text(), before) << "key " << c.text;
+    }
+    Key(Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(m_editor.GetCurrentPos(), m_editor.GetLength()) << "Ctrl+End still moves";
+    QTest::keyClicks(&m_editor, QStringLiteral("z"));
+    EXPECT_EQ(Text(), before + "z") << "plain typing still types";
 }
 
 } // namespace
