@@ -5,6 +5,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
 #include <QList>
@@ -23,8 +25,11 @@ CFileDialogEx::CFileDialogEx(bool isOpen, const QString& fileName, QWidget* pare
     setAcceptMode(isOpen ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     setFileMode(isOpen ? QFileDialog::ExistingFiles : QFileDialog::AnyFile);
     setWindowTitle(isOpen ? tr("Open") : tr("Save As"));
-    if (!folder.isEmpty())
-        setDirectory(folder);
+    // Without a folder of its own (no document, or one never saved) the dialog goes back
+    // to where the user last was, not to where the program was started.
+    const QString start = folder.isEmpty() ? LastFolder() : folder;
+    if (!start.isEmpty())
+        setDirectory(start);
     if (!fileName.isEmpty())
         selectFile(fileName);
 
@@ -132,11 +137,31 @@ int CFileDialogEx::DoModal()
     return exec();
 }
 
+QString CFileDialogEx::LastFolder()
+{
+    const QString folder = CRegistryStore().GetProfileString(kSettings, QStringLiteral("LastFolder"));
+    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QString();
+}
+
+QString CFileDialogEx::FolderOf(const QString& documentPath)
+{
+    if (documentPath.isEmpty())
+        return QString();
+    const QFileInfo info(documentPath);
+    return info.isAbsolute() && info.dir().exists() ? info.absolutePath() : QString();
+}
+
 void CFileDialogEx::accept()
 {
     const int index = int(nameFilters().indexOf(selectedNameFilter()));
     CRegistryStore().WriteProfileInt(kSettings, QStringLiteral("FilterIndex"), std::max(index, 0));
     QFileDialog::accept();
+    if (result() == QDialog::Accepted) {
+        const QStringList chosen = selectedFiles();
+        if (!chosen.isEmpty())
+            CRegistryStore().WriteProfileString(kSettings, QStringLiteral("LastFolder"),
+                                                QFileInfo(chosen.first()).absolutePath());
+    }
 }
 
 void CFileDialogEx::OnTypeChange(const QString& filter)

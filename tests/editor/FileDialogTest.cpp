@@ -4,6 +4,7 @@
 
 #include <QComboBox>
 #include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -107,6 +108,29 @@ TEST_F(FileDialogTest, LabelsCarryWorkingMnemonicsNotAmpersands)
         }
         EXPECT_EQ(ours, 2) << (isOpen ? "open" : "save");
     }
+}
+
+TEST_F(FileDialogTest, StartsInTheGivenFolderElseTheLastOneUsed)
+{
+    const QString first = TestSupport::MakeTempDir();
+    const QString second = TestSupport::MakeTempDir();
+    TestSupport::WriteFile(QDir(first).filePath(QStringLiteral("a.txt")), "a");
+    {
+        CFileDialogEx dialog(true, QString(), nullptr, first);
+        EXPECT_EQ(QFileInfo(dialog.directory().absolutePath()), QFileInfo(first));
+        dialog.selectFile(QDir(first).filePath(QStringLiteral("a.txt")));
+        QTimer::singleShot(0, &dialog, &QDialog::accept);
+        ASSERT_EQ(dialog.DoModal(), int(QDialog::Accepted));
+    }
+    CFileDialogEx noFolder(true, QString());
+    EXPECT_EQ(QFileInfo(noFolder.directory().absolutePath()), QFileInfo(first)) << "the last folder used";
+    CFileDialogEx given(true, QString(), nullptr, second);
+    EXPECT_EQ(QFileInfo(given.directory().absolutePath()), QFileInfo(second));
+
+    EXPECT_EQ(QFileInfo(CFileDialogEx::FolderOf(QDir(second).filePath(QStringLiteral("doc.txt")))), QFileInfo(second));
+    EXPECT_EQ(CFileDialogEx::FolderOf(QString()), QString()) << "a document never saved has none";
+    QDir(first).removeRecursively();
+    EXPECT_EQ(CFileDialogEx::LastFolder(), QString()) << "a folder that is gone is not offered";
 }
 
 TEST_F(FileDialogTest, CancellingLeavesTheFilterIndexAlone)
