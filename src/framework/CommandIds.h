@@ -96,6 +96,11 @@ enum Id : int {
     HelpTopics = 32827,
     HelpContents = 32828,
     DocumentHistory = 7500,
+
+    // Edit > Convert Line Endings (36300-36399: document format)
+    ConvertToWindows = 36300,
+    ConvertToUnix = 36301,
+    ConvertToMacintosh = 36302,
 };
 
 } // namespace Cmd
