@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
 
 #include "settings/CRegistryStore.h"
 
@@ -619,6 +620,18 @@ void CMFCScintilla::keyPressEvent(QKeyEvent* event)
         return;
     }
     QsciScintillaBase::keyPressEvent(event);
+}
+
+void CMFCScintilla::wheelEvent(QWheelEvent* event)
+{
+    if (event->modifiers() & Qt::ControlModifier) {
+        const int delta = event->angleDelta().y();
+        if (delta != 0)
+            SendScintilla(delta > 0 ? SCI_ZOOMIN : SCI_ZOOMOUT);
+        event->accept();
+        return;
+    }
+    QsciScintillaBase::wheelEvent(event);
 }
 
 void CMFCScintilla::mousePressEvent(QMouseEvent* event)

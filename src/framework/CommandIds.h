@@ -101,6 +101,10 @@ enum Id : int {
     ConvertToWindows = 36300,
     ConvertToUnix = 36301,
     ConvertToMacintosh = 36302,
+    // View > Zoom
+    ViewZoomIn = 36310,
+    ViewZoomOut = 36311,
+    ViewZoomReset = 36312,
 };
 
 } // namespace Cmd
