@@ -3,6 +3,8 @@
 #include "backup/CBackupManager.h"
 #include "compare/CCompareCommands.h"
 #include "editor/CEditorCommands.h"
+#include "editor/DocumentFormat.h"
+#include "editor/ZoomCommands.h"
 #include "fileexplorer/CFileExplorerPage.h"
 #include "framework/CommandIds.h"
 #include "hex/HexInstall.h"
@@ -55,6 +57,8 @@ void InstallSubsystems(IShell& shell)
 {
     const CSyntaxParserList& parsers = InstallSyntax(shell);
     InstallEditor(shell, parsers);
+    InstallDocumentFormat(shell);
+    InstallZoom(shell);
     InstallSearch(shell);
     InstallHex(shell);
     InstallOutputBar(shell);

@@ -112,6 +112,14 @@ enum Id : int {
     // File explorer page (tool strip)
     RefreshFileSystemView = 6011,
     FileExplorerShowHidden = 36600,
+    // Edit > Convert Line Endings (36300-36399: document format)
+    ConvertToWindows = 36300,
+    ConvertToUnix = 36301,
+    ConvertToMacintosh = 36302,
+    // View > Zoom
+    ViewZoomIn = 36310,
+    ViewZoomOut = 36311,
+    ViewZoomReset = 36312,
 };
 
 } // namespace Cmd
