@@ -2,6 +2,7 @@
 
 #include "settings/AppPaths.h"
 #include "framework/CDocTemplate.h"
+#include "framework/CChildFrame.h"
 #include "framework/CDocument.h"
 #include "CMainFrame.h"
 #include "settings/CRegistryStore.h"
@@ -249,7 +250,11 @@ void CMorvaneApp::OnFileNew()
 
 void CMorvaneApp::OnFileOpen()
 {
-    CFileDialogEx dialog(true, QString(), m_pMainFrame);
+    // Start beside the active document, else where the user last was.
+    QString activePath;
+    if (CChildFrame* active = m_pMainFrame ? m_pMainFrame->ActiveChild() : nullptr; active && active->GetDocument())
+        activePath = active->GetDocument()->GetPathName();
+    CFileDialogEx dialog(true, QString(), m_pMainFrame, CFileDialogEx::FolderOf(activePath));
     if (dialog.DoModal() != QDialog::Accepted)
         return;
     OpenOptions options;

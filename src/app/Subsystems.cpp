@@ -5,6 +5,8 @@
 #include "compare/CCompareCommands.h"
 #include "editing/EditingInstall.h"
 #include "editor/CEditorCommands.h"
+#include "editor/DocumentFormat.h"
+#include "editor/ZoomCommands.h"
 #include "fileexplorer/CFileExplorerPage.h"
 #include "explorer/ExplorerInstall.h"
 #include "help/HelpCommands.h"
@@ -23,6 +25,8 @@ void InstallSubsystems(IShell& shell)
     const CSyntaxParserList& parsers = InstallSyntax(shell);
     InstallEditor(shell, parsers);
     InstallModernEditing(shell);
+    InstallDocumentFormat(shell);
+    InstallZoom(shell);
     InstallSearch(shell);
     InstallHex(shell);
     InstallOutputBar(shell);

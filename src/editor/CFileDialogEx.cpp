@@ -7,8 +7,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
+#include <QList>
 
 namespace {
 const QString kSettings = QStringLiteral("Settings");
@@ -24,8 +27,11 @@ CFileDialogEx::CFileDialogEx(bool isOpen, const QString& fileName, QWidget* pare
     setAcceptMode(isOpen ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     setFileMode(isOpen ? QFileDialog::ExistingFiles : QFileDialog::AnyFile);
     setWindowTitle(isOpen ? tr("Open") : tr("Save As"));
-    if (!folder.isEmpty())
-        setDirectory(folder);
+    // Without a folder of its own (no document, or one never saved) the dialog goes back
+    // to where the user last was, not to where the program was started.
+    const QString start = folder.isEmpty() ? LastFolder() : folder;
+    if (!start.isEmpty())
+        setDirectory(start);
     if (!fileName.isEmpty())
         selectFile(fileName);
 
@@ -49,21 +55,25 @@ CFileDialogEx::CFileDialogEx(bool isOpen, const QString& fileName, QWidget* pare
         m_lineEndingBox->setObjectName(QStringLiteral("lineEnding"));
     }
     if (grid) {
-        grid->addWidget(new QLabel(tr("&Encoding:"), this), row, 0);
-        grid->addWidget(m_encodingBox, row, 1);
+        // Each label leads to its box, so its mnemonic works and shows as one.
+        auto addRow = [this, grid](const QString& text, QWidget* box, int at) {
+            auto* label = new QLabel(text, this);
+            label->setBuddy(box);
+            grid->addWidget(label, at, 0);
+            grid->addWidget(box, at, 1);
+        };
+        addRow(tr("&Encoding:"), m_encodingBox, row);
         if (isOpen) {
-            grid->addWidget(new QLabel(tr("&View as:"), this), row + 1, 0);
-            grid->addWidget(m_viewAsBox, row + 1, 1);
+            addRow(tr("&View as:"), m_viewAsBox, row + 1);
             grid->addWidget(m_readOnlyBox, row + 2, 1);
         } else {
-            grid->addWidget(new QLabel(tr("&Line ends:"), this), row + 1, 0);
-            grid->addWidget(m_lineEndingBox, row + 1, 1);
+            addRow(tr("&Line ends:"), m_lineEndingBox, row + 1);
         }
     }
 
     connect(m_encodingBox, &QComboBox::currentIndexChanged, this, [this](int row) {
         if (row >= 0)
-            m_encoding = row;
+            m_encoding = m_encodingBox->itemData(row).toInt();
     });
     if (m_viewAsBox) {
         connect(m_viewAsBox, &QComboBox::currentIndexChanged, this, [this](int row) {
@@ -90,17 +100,24 @@ bool CFileDialogEx::GetReadOnly() const
 
 void CFileDialogEx::OnInitDialog()
 {
-    // Save As always starts at "Ansi", whatever the document was.
-    if (!m_isOpen)
-        m_encoding = TextEncoding::Ansi;
-
-    const int encoding = m_encoding;
+    int encoding = m_encoding;
+    if (!m_isOpen) {
+        // Save As keeps the document's own encoding unless the user picks another. A
+        // document that has none yet holds UTF-8; forms we only read are offered as UTF-8.
+        if (encoding == TextEncoding::Auto || TextEncoding::IsReadOnlyForm(encoding))
+            encoding = TextEncoding::Utf8;
+    }
     m_encodingBox->clear();
-    m_encodingBox->addItems({QStringLiteral("UTF-8"), QStringLiteral("Unicode"),
-                             QStringLiteral("Unicode (Big Endian)"), QStringLiteral("Ansi")});
+    QList<int> codes{TextEncoding::Utf8, TextEncoding::Utf16LE, TextEncoding::Utf16BE, TextEncoding::Ansi};
     if (m_isOpen)
-        m_encodingBox->addItem(QStringLiteral("Auto"));
-    m_encodingBox->setCurrentIndex(std::clamp(encoding, 0, m_encodingBox->count() - 1));
+        codes << TextEncoding::Auto;
+    else if (encoding == TextEncoding::Utf32LE || encoding == TextEncoding::Utf32BE)
+        codes << encoding;
+    for (int code : codes)
+        m_encodingBox->addItem(TextEncoding::DisplayName(code), code);
+    const int row = m_encodingBox->findData(encoding);
+    m_encodingBox->setCurrentIndex(row >= 0 ? row : 0);
+    m_encoding = m_encodingBox->currentData().toInt();
 
     if (m_viewAsBox) {
         const int viewAs = m_viewAs;
@@ -122,11 +139,31 @@ int CFileDialogEx::DoModal()
     return exec();
 }
 
+QString CFileDialogEx::LastFolder()
+{
+    const QString folder = CRegistryStore().GetProfileString(kSettings, QStringLiteral("LastFolder"));
+    return !folder.isEmpty() && QFileInfo(folder).isDir() ? folder : QString();
+}
+
+QString CFileDialogEx::FolderOf(const QString& documentPath)
+{
+    if (documentPath.isEmpty())
+        return QString();
+    const QFileInfo info(documentPath);
+    return info.isAbsolute() && info.dir().exists() ? info.absolutePath() : QString();
+}
+
 void CFileDialogEx::accept()
 {
     const int index = int(nameFilters().indexOf(selectedNameFilter()));
     CRegistryStore().WriteProfileInt(kSettings, QStringLiteral("FilterIndex"), std::max(index, 0));
     QFileDialog::accept();
+    if (result() == QDialog::Accepted) {
+        const QStringList chosen = selectedFiles();
+        if (!chosen.isEmpty())
+            CRegistryStore().WriteProfileString(kSettings, QStringLiteral("LastFolder"),
+                                                QFileInfo(chosen.first()).absolutePath());
+    }
 }
 
 void CFileDialogEx::OnTypeChange(const QString& filter)

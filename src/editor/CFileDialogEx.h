@@ -32,6 +32,12 @@ public:
     QComboBox* ViewAsBox() const { return m_viewAsBox; }
     QComboBox* LineEndingBox() const { return m_lineEndingBox; }
 
+    // The folder the last accepted dialog was in; empty when none or it is gone.
+    static QString LastFolder();
+    // The folder of a document's file, for starting a dialog there; empty for a
+    // document never saved.
+    static QString FolderOf(const QString& documentPath);
+
     // "Label (*.a *.b)" entries from the machine's file filter list, or our own list.
     static QStringList BuildFilters();
     // The extension a filter's text names: "Text Files (*.txt)" gives "txt".

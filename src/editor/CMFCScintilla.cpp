@@ -1,6 +1,8 @@
 #include "CMFCScintilla.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
 
 #include "settings/CRegistryStore.h"
 
@@ -12,18 +14,69 @@
 #include <QMimeData>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <algorithm>
 
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
 {
+    connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
+        if (type & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))
+            m_headingsDirty = true;
+    });
+    connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+        if (updated & SC_UPDATE_V_SCROLL)
+            m_headingsDirty = true;
+        if (m_headingsDirty)
+            DecorateHeadings();
+    });
+}
+
+void CMFCScintilla::DecorateHeadings()
+{
+    m_headingsDirty = false;
+    constexpr int ValueFore = 1; // SC_INDICFLAG_VALUEFORE: each range carries its colour
+    constexpr long ValueBit = 0x1000000;
+    SendScintilla(SCI_INDICSETSTYLE, static_cast<unsigned long>(HeadingIndicator), static_cast<long>(INDIC_TEXTFORE));
+    SendScintilla(SCI_INDICSETFLAGS, static_cast<unsigned long>(HeadingIndicator), static_cast<long>(ValueFore));
+    SendScintilla(SCI_SETINDICATORCURRENT, static_cast<unsigned long>(HeadingIndicator));
+    const long length = GetLength();
+    if (SendScintilla(SCI_GETLEXER) != SCLEX_MARKDOWN) {
+        if (SendScintilla(SCI_INDICATOREND, static_cast<unsigned long>(HeadingIndicator), 0L) > 0)
+            SendScintilla(SCI_INDICATORCLEARRANGE, 0UL, length);
+        return;
+    }
+    const long firstVisible = SendScintilla(SCI_GETFIRSTVISIBLELINE);
+    const long first = SendScintilla(SCI_DOCLINEFROMVISIBLE, static_cast<unsigned long>(firstVisible));
+    const long last = std::min(GetLineCount() - 1,
+        SendScintilla(SCI_DOCLINEFROMVISIBLE,
+                      static_cast<unsigned long>(firstVisible + SendScintilla(SCI_LINESONSCREEN) + 1)));
+    const long start = PositionFromLine(first);
+    const long end = GetLineEndPosition(last);
+    SendScintilla(SCI_COLOURISE, static_cast<unsigned long>(start), end);
+    SendScintilla(SCI_INDICATORCLEARRANGE, static_cast<unsigned long>(start), end - start);
+    for (long line = first; line <= last; ++line) {
+        const long lineStart = PositionFromLine(line);
+        const long lineEnd = GetLineEndPosition(line);
+        const int style = GetStyleAt(lineStart);
+        // Heading 1 to 6 of the Markdown lexer.
+        if (style < 6 || style > 11 || lineEnd <= lineStart)
+            continue;
+        const long colour = SendScintilla(SCI_STYLEGETFORE, static_cast<unsigned long>(style));
+        SendScintilla(SCI_SETINDICATORVALUE, static_cast<unsigned long>(colour | ValueBit));
+        SendScintilla(SCI_INDICATORFILLRANGE, static_cast<unsigned long>(lineStart), lineEnd - lineStart);
+    }
 }
 
 void CMFCScintilla::Setup()
 {
     SendScintilla(SCI_CANCEL);
     SendScintilla(SCI_MARKERDEFINE, BookmarkMarker, SC_MARK_ROUNDRECT);
+    // A bookmark that stands out from the margin's face, not a white box on grey.
+    SendScintilla(SCI_MARKERSETBACK, BookmarkMarker, 0xD07030L);
+    SendScintilla(SCI_MARKERSETFORE, BookmarkMarker, 0x803010L);
     SendScintilla(SCI_MARKERDEFINE, 15, SC_MARK_EMPTY);
-    SendScintilla(SCI_SETCODEPAGE, 0);
+    // Every document is held as UTF-8, whatever its file's encoding.
+    SendScintilla(SCI_SETCODEPAGE, static_cast<unsigned long>(SC_CP_UTF8));
 
     // Margin 0 holds bookmarks, margin 1 line numbers, margin 2 folding.
     SendScintilla(SCI_SETMARGINTYPEN, 0, SC_MARGIN_SYMBOL);
@@ -51,6 +104,9 @@ void CMFCScintilla::Setup()
     SendScintilla(SCI_SETSELBACK, 1, 0xC56A31L); // #316AC5
     SendScintilla(SCI_SETSELFORE, 1, 0xFFFFFFL);
     SendScintilla(SCI_SETMODEVENTMASK, SC_MODEVENTMASKALL);
+    // Typing, deleting and pasting into a rectangle act on every line of it.
+    SendScintilla(SCI_SETADDITIONALSELECTIONTYPING, 1UL);
+    SendScintilla(SCI_SETMULTIPASTE, static_cast<unsigned long>(SC_MULTIPASTE_EACH));
     // The view offers its own context menu.
     SendScintilla(SCI_USEPOPUP, 0UL);
 }
@@ -345,6 +401,14 @@ void CMFCScintilla::Allocate(long bytes)
     SendScintilla(SCI_ALLOCATE, static_cast<unsigned long>(bytes));
 }
 
+void CMFCScintilla::ConvertLineEndings(int mode)
+{
+    SetEOLMode(mode);
+    BeginUndoAction();
+    SendScintilla(SCI_CONVERTEOLS, static_cast<unsigned long>(mode));
+    EndUndoAction();
+}
+
 void CMFCScintilla::SetCodePage(int codePage)
 {
     SendScintilla(SCI_SETCODEPAGE, static_cast<unsigned long>(codePage));
@@ -462,11 +526,28 @@ long CMFCScintilla::GetColumn(long position) const
     return SendScintilla(SCI_GETCOLUMN, static_cast<unsigned long>(position));
 }
 
+quint32 CMFCScintilla::BlendOverBackground(quint32 colour, int alpha, quint32 background)
+{
+    alpha = std::clamp(alpha, 0, 255);
+    quint32 out = 0;
+    for (int shift = 0; shift <= 16; shift += 8) {
+        const quint32 front = (colour >> shift) & 0xFF;
+        const quint32 back = (background >> shift) & 0xFF;
+        const quint32 mixed = (front * quint32(alpha) + back * quint32(255 - alpha) + 127) / 255;
+        out |= mixed << shift;
+    }
+    return out;
+}
+
 void CMFCScintilla::SetCaretLine(bool on, quint32 colour, int alpha)
 {
+    // This control paints a translucent caret line over the text, hiding it and the
+    // caret. It is painted opaque behind the text instead, in the colour the blend
+    // with the text's background would give.
     SendScintilla(SCI_SETCARETLINEVISIBLE, static_cast<unsigned long>(on));
-    SendScintilla(SCI_SETCARETLINEBACK, static_cast<unsigned long>(colour));
-    SendScintilla(SCI_SETCARETLINEBACKALPHA, static_cast<unsigned long>(alpha));
+    SendScintilla(SCI_SETCARETLINEBACK, static_cast<unsigned long>(
+        BlendOverBackground(colour, alpha, quint32(SendScintilla(SCI_STYLEGETBACK, STYLE_DEFAULT)))));
+    SendScintilla(SCI_SETCARETLINEBACKALPHA, static_cast<unsigned long>(SC_ALPHA_NOALPHA));
 }
 
 void CMFCScintilla::SetFont(const QString& face, int size, bool bold, bool italic)
@@ -504,6 +585,54 @@ QMouseEvent WithRectangleModifier(const QMouseEvent* event)
 }
 
 } // namespace
+
+void CMFCScintilla::keyPressEvent(QKeyEvent* event)
+{
+    // While Block Select is on, Shift with a movement key extends a rectangle.
+    if (m_blockSelect && event->modifiers() == Qt::ShiftModifier) {
+        int command = 0;
+        switch (event->key()) {
+        case Qt::Key_Left: command = SCI_CHARLEFTRECTEXTEND; break;
+        case Qt::Key_Right: command = SCI_CHARRIGHTRECTEXTEND; break;
+        case Qt::Key_Up: command = SCI_LINEUPRECTEXTEND; break;
+        case Qt::Key_Down: command = SCI_LINEDOWNRECTEXTEND; break;
+        case Qt::Key_Home: command = SCI_VCHOMERECTEXTEND; break;
+        case Qt::Key_End: command = SCI_LINEENDRECTEXTEND; break;
+        case Qt::Key_PageUp: command = SCI_PAGEUPRECTEXTEND; break;
+        case Qt::Key_PageDown: command = SCI_PAGEDOWNRECTEXTEND; break;
+        default: break;
+        }
+        if (command) {
+            SendScintilla(static_cast<unsigned int>(command));
+            event->accept();
+            return;
+        }
+    }
+    // A Ctrl or Alt combination is a command or nothing: when the control has no command
+    // for it, its character must not land in the text (Ctrl+=, Alt+X).
+    const Qt::KeyboardModifiers mods = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    if (mods && !event->text().isEmpty()) {
+        QKeyEvent commandOnly(event->type(), event->key(), event->modifiers(), event->nativeScanCode(),
+                              event->nativeVirtualKey(), event->nativeModifiers(), QString(),
+                              event->isAutoRepeat(), ushort(event->count()));
+        QsciScintillaBase::keyPressEvent(&commandOnly);
+        event->setAccepted(commandOnly.isAccepted());
+        return;
+    }
+    QsciScintillaBase::keyPressEvent(event);
+}
+
+void CMFCScintilla::wheelEvent(QWheelEvent* event)
+{
+    if (event->modifiers() & Qt::ControlModifier) {
+        const int delta = event->angleDelta().y();
+        if (delta != 0)
+            SendScintilla(delta > 0 ? SCI_ZOOMIN : SCI_ZOOMOUT);
+        event->accept();
+        return;
+    }
+    QsciScintillaBase::wheelEvent(event);
+}
 
 void CMFCScintilla::mousePressEvent(QMouseEvent* event)
 {

@@ -19,6 +19,8 @@ public:
     static constexpr const char* ReplaceMarker = "<%REPLACE%>";
     static constexpr int LineNumberStyle = STYLE_LINENUMBER; // 33
     static constexpr int LineNumberMargin = 1;
+    // Paints the text of Markdown headings in their heading style's colour.
+    static constexpr int HeadingIndicator = 8;
 
     explicit CMFCScintilla(QWidget* parent = nullptr);
 
@@ -96,6 +98,8 @@ public:
     long ReplaceTargetRE(const QByteArray& text);
 
     // Composite operations.
+    // Converts every line end to `mode` as one undo step and types new ones in it.
+    void ConvertLineEndings(int mode);
     long GetSelectionSize() const { return GetSelectionEnd() - GetSelectionStart(); }
     bool HasSelection() const { return GetSelectionSize() > 0; }
     // Adds `length` bytes at the caret; a length of -1 measures up to the first zero.
@@ -110,7 +114,11 @@ public:
     // Current line and column of the caret, both from 0.
     long GetCurrentLine() const;
     long GetColumn(long position = -1) const;
+    // The current line's background: `alpha` 255 is `colour` itself, lower values mix it
+    // with the text's background. Always painted behind the text.
     void SetCaretLine(bool on, quint32 colour, int alpha);
+    // 0x00BBGGRR colours mixed as `colour` at `alpha` (0-255) over `background`.
+    static quint32 BlendOverBackground(quint32 colour, int alpha, quint32 background);
     void SetFont(const QString& face, int size, bool bold, bool italic);
     void SetTabWidth(int width);
     void SetBlockSelect(bool on);
@@ -205,10 +213,18 @@ Q_SIGNALS:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    // Ctrl with the wheel zooms.
+    void wheelEvent(QWheelEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
+    // The Markdown lexer styles only a heading's "#" marks; the rest of each heading
+    // line on screen gets the marks' colour through an indicator.
+    void DecorateHeadings();
+    bool m_headingsDirty = true;
+
     // The control forgets a selection mode at the next click or caret jump, so block
     // selection is kept here and given to every mouse drag.
     bool m_blockSelect = false;

@@ -1,5 +1,6 @@
 #include "CScrivelDoc.h"
 
+#include "AnsiCodePage.h"
 #include "CFileDialogEx.h"
 #include "CMFCScintilla.h"
 #include "CScrivelFrame.h"
@@ -13,6 +14,7 @@
 #include "framework/OpenOptions.h"
 #include "settings/MainFrameSettings.h"
 #include "syntax/CSyntaxParserList.h"
+#include "settings/CRegistryStore.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -35,6 +37,14 @@ int DetectLineEnding(const CMFCScintilla& editor)
     if (tail.startsWith('\r'))
         return CMFCScintilla::SC_EOL_CR;
     return CMFCScintilla::SC_EOL_LF;
+}
+
+// The code page "Ansi" text is read and written in, as the user set it.
+AnsiCodePage ConfiguredCodePage()
+{
+    return AnsiCodePage(CRegistryStore().GetProfileString(
+        QStringLiteral("EditSettings"), QStringLiteral("AnsiCodePage"),
+        QString::fromLatin1(AnsiCodePage::DefaultName)));
 }
 
 QString ExtensionOf(const QString& path)
@@ -141,7 +151,9 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     }
 
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
-    const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress);
+    const AnsiCodePage codePage = ConfiguredCodePage();
+    const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress,
+                                                     &codePage);
     if (!read.ok) {
         ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), read.error));
         return false;
@@ -167,6 +179,7 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     if (const CScrivelView* view = GetFirstView(); view && view->Settings().LineNumbers)
         editor->SetLineNumberMargin(true);
     CDocument::OnOpenDocument(path);
+    Q_EMIT formatChanged();
     Q_EMIT loaded(path);
     return true;
 }
@@ -198,12 +211,24 @@ bool CScrivelDoc::DoSave(const QString& path, bool replace)
 
 bool CScrivelDoc::SaveAs(const QString& path, int encoding, int lineEnding)
 {
+    // Another encoding is written with its mark; the same one keeps the file's choice
+    // (a document never saved holds UTF-8 and has none).
+    const bool sameForm = encoding == Encoding
+        || (Encoding == TextEncoding::Auto && encoding == TextEncoding::Utf8);
+    if (!sameForm)
+        WriteMark = TextEncoding::MarkLength(encoding) > 0;
     Encoding = encoding;
-    LineEnding = lineEnding;
-    // A chosen Unicode encoding is written with its mark.
-    WriteMark = TextEncoding::MarkLength(encoding) > 0;
     NeedsSaveAs = false;
+    ConvertLineEndings(lineEnding);
     return WriteFile(path, true, true);
+}
+
+void CScrivelDoc::ConvertLineEndings(int lineEnding)
+{
+    LineEnding = lineEnding;
+    if (CMFCScintilla* editor = GetEditor())
+        editor->ConvertLineEndings(lineEnding);
+    Q_EMIT formatChanged();
 }
 
 bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
@@ -214,8 +239,26 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
     if (!MayOverwrite(path))
         return false;
     editor->SetEOLMode(LineEnding);
+    const AnsiCodePage codePage = ConfiguredCodePage();
+    if (Encoding == TextEncoding::Ansi) {
+        const char* text = reinterpret_cast<const char*>(
+            editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+        if (!codePage.CanHold(text, std::size_t(editor->GetLength()))) {
+            // Writing a stand-in for what the code page lacks would lose text for good.
+            const auto answer = QMessageBox::question(
+                QApplication::activeWindow(), QApplication::applicationDisplayName(),
+                tr("\"%1\" holds characters that the code page %2 cannot hold.\n\n"
+                   "Do you want to save it as UTF-8 instead?")
+                    .arg(QDir::toNativeSeparators(path), codePage.Name()),
+                QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+            if (answer != QMessageBox::Yes)
+                return false;
+            Encoding = TextEncoding::Utf8;
+            WriteMark = true;
+        }
+    }
     Q_EMIT aboutToSave(path);
-    const TextSaver::Result result = TextSaver::Save(*editor, path, Encoding, WriteMark);
+    const TextSaver::Result result = TextSaver::Save(*editor, path, Encoding, WriteMark, &codePage);
     if (!result.ok) {
         QMessageBox::warning(QApplication::activeWindow(), QApplication::applicationDisplayName(),
                              tr("Failed to create a new file when saving the current document"));
@@ -237,6 +280,7 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
     if (!host || host->FrameSettings().ResetUndoOnSave)
         editor->EmptyUndoBuffer();
     SetModifiedFlag(false);
+    Q_EMIT formatChanged();
     Q_EMIT saved(path);
     return true;
 }

@@ -46,9 +46,17 @@ public:
     // that could not be read as text.
     bool NeedsSaveAs = false;
 
-    // Save As with the choices of the dialog already made: writes the text to `path` in
-    // `encoding` (with its mark) and `lineEnding` for new lines, and takes the new name.
+    // Save As with the choices of the dialog already made: converts the line ends to
+    // `lineEnding`, writes the text to `path` in `encoding` (with its mark when that is
+    // another encoding than the document's) and takes the new name.
     bool SaveAs(const QString& path, int encoding, int lineEnding);
+    // Turns every line end of the text into `lineEnding` (an SC_EOL_ mode) as one undo
+    // step, and makes it the mode of lines typed from now on.
+    void ConvertLineEndings(int lineEnding);
+
+Q_SIGNALS:
+    // The encoding or line-end mode changed (a load, a save, a conversion).
+    void formatChanged();
 
     // Looks whether another program changed or removed the file since it was read or
     // saved, and asks the user what to do: reload a changed file, keep a removed one

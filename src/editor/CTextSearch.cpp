@@ -148,6 +148,18 @@ long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
     return found;
 }
 
+bool CTextSearch::SelectMatchAtCaret(const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    const long caret = m_editor->GetCurrentPos();
+    const long lineEnd = m_editor->GetLineEndPosition(m_editor->LineFromPosition(caret));
+    if (SearchRange(caret, lineEnd, Encode(text)) != caret)
+        return false;
+    SelectTarget();
+    return true;
+}
+
 bool CTextSearch::MarkAll(const QString& text)
 {
     if (text.isEmpty())
@@ -165,14 +177,9 @@ bool CTextSearch::MarkAll(const QString& text)
     long pos = first;
     do {
         seen.insert(pos);
+        // Set, never toggled: a line with two matches would otherwise lose its mark.
         const long line = m_editor->LineFromPosition(pos);
-        const int mask = 1 << CMFCScintilla::BookmarkMarker;
-        if (m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERGET,
-                                    static_cast<unsigned long>(line)) & mask)
-            m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERDELETE,
-                                    static_cast<unsigned long>(line),
-                                    static_cast<long>(CMFCScintilla::BookmarkMarker));
-        else
+        if (!m_editor->HasBookmark(line))
             m_editor->SendScintilla(QsciScintillaBase::SCI_MARKERADD,
                                     static_cast<unsigned long>(line),
                                     static_cast<long>(CMFCScintilla::BookmarkMarker));

@@ -32,10 +32,14 @@ public:
     // selected. Returns its position, or -1 (also for an invalid expression).
     long FindText(const QString& text, bool searchUp, bool wrapAround);
 
-    // Toggles the bookmark on the line of every match, starting at the first match below
-    // the selection and wrapping round once; the caret goes back where it was. Returns
-    // true when anything was found. Empty text finds nothing.
+    // Sets a bookmark on the line of every match, starting at the first match below the
+    // selection and wrapping round once; the caret goes back where it was. Returns true
+    // when anything was found. Empty text finds nothing.
     bool MarkAll(const QString& text);
+
+    // Selects the match of `text` that starts at the caret, as the current flags find it
+    // within the caret's line. False, and nothing changes, when none starts there.
+    bool SelectMatchAtCaret(const QString& text);
 
     // Replaces every match in the document, or in the whole lines the selection touches.
     // One undo step. Returns the count, 0 when nothing matched, or ScopeEmpty when

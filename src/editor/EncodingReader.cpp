@@ -1,5 +1,6 @@
 #include "EncodingReader.h"
 
+#include "AnsiCodePage.h"
 #include "TextEncoding.h"
 
 namespace {
@@ -27,8 +28,9 @@ char* AppendUtf8(char* out, char32_t cp)
 
 } // namespace
 
-EncodingReader::EncodingReader(int encoding, int bomLength)
+EncodingReader::EncodingReader(int encoding, int bomLength, const AnsiCodePage* codePage)
     : m_skip(bomLength > 0 ? std::size_t(bomLength) : 0)
+    , m_codePage(codePage ? codePage : &AnsiCodePage::Default())
 {
     switch (encoding) {
     case TextEncoding::Utf16LE: m_form = Form::Utf16LE; break;
@@ -43,7 +45,7 @@ EncodingReader::EncodingReader(int encoding, int bomLength)
         m_form = Form::Utf16BE;
         break;
     case TextEncoding::Ansi:
-        m_form = Form::Bytes;
+        m_form = Form::SingleByte;
         m_skip = 0; // "Ansi" keeps every byte
         break;
     default:
@@ -94,6 +96,18 @@ std::string_view EncodingReader::Feed(const char* data, std::size_t length)
     }
     if (m_form == Form::Bytes)
         return std::string_view(data, length);
+    if (m_form == Form::SingleByte) {
+        // A character of the code page takes at most three bytes of UTF-8.
+        Reserve(3 * length + 16);
+        for (std::size_t i = 0; i < length; ++i) {
+            const auto byte = static_cast<unsigned char>(data[i]);
+            if (byte < 0x80)
+                *m_end++ = char(byte);
+            else
+                Emit(m_codePage->Decode(byte));
+        }
+        return std::string_view(m_buffer.get(), std::size_t(m_end - m_buffer.get()));
+    }
 
     // Every unit gives at most three bytes per two, a pending surrogate three more.
     Reserve(length + length / 2 + 16);
@@ -118,7 +132,8 @@ std::string_view EncodingReader::Feed(const char* data, std::size_t length)
             }
             break;
         }
-        case Form::Bytes: break;
+        case Form::Bytes:
+        case Form::SingleByte: break;
         }
     };
 

@@ -5,13 +5,16 @@
 #include <string>
 #include <string_view>
 
-// Turns the bytes of a file, fed in pieces of any size, into the text the control
-// holds: the bytes themselves for "Ansi" and UTF-8, UTF-8 for the 16- and 32-bit forms.
+class AnsiCodePage;
+
+// Turns the bytes of a file, fed in pieces of any size, into the UTF-8 text the control
+// holds: UTF-8 as it is, "Ansi" through its code page, the 16- and 32-bit forms decoded.
 // A unit split between two pieces is carried over, so pieces may be cut anywhere.
 class EncodingReader
 {
 public:
-    EncodingReader(int encoding, int bomLength);
+    // "Ansi" reads through `codePage`, windows-1252 when none is given.
+    EncodingReader(int encoding, int bomLength, const AnsiCodePage* codePage = nullptr);
 
     // The text of the next piece; valid until the next call.
     std::string_view Feed(const char* data, std::size_t length);
@@ -23,13 +26,14 @@ public:
     std::size_t LostBytes() const { return m_lost; }
 
 private:
-    enum class Form { Bytes, Utf16LE, Utf16BE, Utf32LE, Utf32BE };
+    enum class Form { Bytes, SingleByte, Utf16LE, Utf16BE, Utf32LE, Utf32BE };
     void Emit(char32_t cp);
     void EmitUnit16(char16_t unit);
     void Reserve(std::size_t bytes);
 
     Form m_form;
     std::size_t m_skip;
+    const AnsiCodePage* m_codePage = nullptr;
     // Output buffer, reused between pieces; m_end is where the next byte goes.
     std::unique_ptr<char[]> m_buffer;
     std::size_t m_capacity = 0;

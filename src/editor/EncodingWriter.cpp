@@ -1,10 +1,12 @@
 #include "EncodingWriter.h"
 
+#include "AnsiCodePage.h"
 #include "TextEncoding.h"
 
 #include <cstring>
 
-EncodingWriter::EncodingWriter(int encoding, bool writeMark)
+EncodingWriter::EncodingWriter(int encoding, bool writeMark, const AnsiCodePage* codePage)
+    : m_codePage(codePage ? codePage : &AnsiCodePage::Default())
 {
     switch (encoding) {
     case TextEncoding::Utf8: m_form = Form::Bytes; break;
@@ -12,9 +14,13 @@ EncodingWriter::EncodingWriter(int encoding, bool writeMark)
     case TextEncoding::Utf16BE: m_form = Form::Utf16BE; break;
     case TextEncoding::Utf32LE: m_form = Form::Utf32LE; break;
     case TextEncoding::Utf32BE: m_form = Form::Utf32BE; break;
+    case TextEncoding::Ansi:
+        m_form = Form::SingleByte;
+        writeMark = false;
+        break;
     default:
-        // "Ansi", a document never saved with an encoding, and forms we don't write:
-        // the bytes as they are.
+        // A document never saved with an encoding, and forms we don't write: the bytes
+        // as they are.
         m_form = Form::Bytes;
         writeMark = false;
         break;
@@ -72,9 +78,25 @@ void EncodingWriter::Put(char32_t cp)
         for (int shift = 24; shift >= 0; shift -= 8)
             *m_end++ = char((cp >> shift) & 0xFF);
         break;
+    case Form::SingleByte: {
+        const int byte = m_codePage->Encode(cp);
+        if (byte < 0)
+            ++m_unencodable;
+        else
+            *m_end++ = char(byte);
+        break;
+    }
     case Form::Bytes:
         break;
     }
+}
+
+void EncodingWriter::PutStray(unsigned char byte)
+{
+    if (m_form == Form::SingleByte)
+        *m_end++ = char(byte);
+    else
+        Put(byte);
 }
 
 // Decodes one character at `s`; returns how many bytes it took, or 0 when the
@@ -102,7 +124,7 @@ std::size_t EncodingWriter::DecodeOne(const unsigned char* s, std::size_t availa
         }
     }
     // A byte that starts no complete sequence (text that isn't UTF-8) is a unit by itself.
-    Put(lead);
+    PutStray(lead);
     return 1;
 }
 
@@ -148,7 +170,9 @@ std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
     while (i < length) {
         if (bytes[i] < 0x80) {
             // Plain ASCII is most of most text.
-            if (wide16) {
+            if (m_form == Form::SingleByte) {
+                *m_end++ = char(bytes[i++]);
+            } else if (wide16) {
                 *m_end++ = char(little ? bytes[i] : 0);
                 *m_end++ = char(little ? 0 : bytes[i]);
                 ++i;

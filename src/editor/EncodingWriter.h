@@ -5,22 +5,31 @@
 #include <string>
 #include <string_view>
 
+class AnsiCodePage;
+
 // Turns the control's text, given in pieces of any size, into the bytes of a file in
 // one encoding, mark first when asked. A UTF-8 sequence split between pieces is
 // carried over to the next one.
 class EncodingWriter
 {
 public:
-    EncodingWriter(int encoding, bool writeMark);
+    // "Ansi" writes through `codePage`, windows-1252 when none is given.
+    EncodingWriter(int encoding, bool writeMark, const AnsiCodePage* codePage = nullptr);
 
     // The bytes for the next piece; valid until the next call.
     std::string_view Encode(const char* data, std::size_t length);
     // Bytes of a sequence left open at the end of the text; call once.
     std::string_view Finish();
 
+    // Characters the code page has no byte for; nothing is written for them, so a
+    // caller must not keep the output when this is not zero.
+    std::size_t Unencodable() const { return m_unencodable; }
+
 private:
-    enum class Form { Bytes, Utf16LE, Utf16BE, Utf32LE, Utf32BE };
+    enum class Form { Bytes, SingleByte, Utf16LE, Utf16BE, Utf32LE, Utf32BE };
     void Put(char32_t cp);
+    // A byte that starts no sequence: one unit of its own, or for "Ansi" the byte itself.
+    void PutStray(unsigned char byte);
     void PutUnit16(char16_t unit);
     std::size_t DecodeOne(const unsigned char* s, std::size_t available, bool atEnd);
 
@@ -34,4 +43,6 @@ private:
     std::size_t m_capacity = 0;
     char* m_end = nullptr;
     std::string m_carry;
+    const AnsiCodePage* m_codePage = nullptr;
+    std::size_t m_unencodable = 0;
 };

@@ -26,7 +26,8 @@ QByteArray Mark(int code);
 int MarkLength(int code);
 // Forms we can read but do not write: a save in them could not keep the file intact.
 inline bool IsReadOnlyForm(int code) { return code >= Scsu && code <= UtfEbcdic; }
-// The control holds text of this encoding as UTF-8 (all but "Ansi" and not yet known).
+// A compare pane holds text of this encoding as UTF-8; "Ansi" and not-yet-known text it
+// keeps as the file's bytes.
 inline bool HeldAsUtf8(int code) { return code != Ansi && code != Auto; }
 QString DisplayName(int code);
 

@@ -39,7 +39,8 @@ private:
 } // namespace
 
 TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, int encoding,
-                                    int bomLength, IProgressSink* progress)
+                                    int bomLength, IProgressSink* progress,
+                                    const AnsiCodePage* codePage)
 {
     Result result;
     TextFile file;
@@ -48,7 +49,7 @@ TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, 
         return result;
     }
     const qint64 size = file.Size();
-    EncodingReader reader(encoding, bomLength);
+    EncodingReader reader(encoding, bomLength, codePage);
 
     const bool wasReadOnly = editor.GetReadOnly();
     editor.SetReadOnly(false);
@@ -56,7 +57,8 @@ TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, 
         progress->StartProgress(size);
     {
         QuietLoad quiet(editor);
-        editor.SetCodePage(TextEncoding::HeldAsUtf8(encoding) ? int(CMFCScintilla::SC_CP_UTF8) : 0);
+        // Every encoding, "Ansi" too, reaches the control as UTF-8.
+        editor.SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
         // The file's size is a fair guess for decoded text too: 16-bit text shrinks when
         // it is mostly ASCII and grows when it isn't; the control grows as needed.
         editor.Allocate(static_cast<long>(size + 1000));

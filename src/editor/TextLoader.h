@@ -3,6 +3,7 @@
 #include <QString>
 #include <cstddef>
 
+class AnsiCodePage;
 class CMFCScintilla;
 class IProgressSink;
 
@@ -22,5 +23,6 @@ public:
     };
 
     static Result Load(CMFCScintilla& editor, const QString& path, int encoding, int bomLength,
-                       IProgressSink* progress = nullptr);
+                       IProgressSink* progress = nullptr,
+                       const AnsiCodePage* codePage = nullptr);
 };

@@ -5,7 +5,7 @@
 #include "TextFile.h"
 
 TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& path, int encoding,
-                                  bool writeMark)
+                                  bool writeMark, const AnsiCodePage* codePage)
 {
     Result result;
     TextFile file;
@@ -13,7 +13,7 @@ TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& pa
         result.error = file.ErrorString();
         return result;
     }
-    EncodingWriter writer(encoding, writeMark);
+    EncodingWriter writer(encoding, writeMark, codePage);
     const long length = editor.GetLength();
     // One contiguous view of the text; no copy of a large document is made.
     const char* text = reinterpret_cast<const char*>(
@@ -23,6 +23,10 @@ TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& pa
     do {
         const long size = std::min<long>(length - offset, TextFile::ChunkSize);
         const std::string_view bytes = writer.Encode(text + offset, static_cast<std::size_t>(size));
+        if (writer.Unencodable()) {
+            ok = false;
+            break;
+        }
         if (!bytes.empty() && !file.Write(bytes.data(), static_cast<qint64>(bytes.size()))) {
             ok = false;
             break;
@@ -31,8 +35,17 @@ TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& pa
     } while (offset < length);
     if (ok) {
         const std::string_view rest = writer.Finish();
-        if (!rest.empty())
+        if (writer.Unencodable())
+            ok = false;
+        else if (!rest.empty())
             ok = file.Write(rest.data(), static_cast<qint64>(rest.size()));
+    }
+    if (writer.Unencodable()) {
+        // Leave the old file as it was rather than write a character it cannot hold.
+        file.Close();
+        result.unencodable = true;
+        result.error = QObject::tr("The text holds characters the code page cannot hold");
+        return result;
     }
     if (ok)
         ok = file.Commit();

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class AnsiCodePage;
 class CMFCScintilla;
 
 // Writes a control's whole text to a file in an encoding. The file is written beside
@@ -13,8 +14,10 @@ public:
     {
         bool ok = false;
         QString error;
+        // "Ansi" text held characters the code page has none for; nothing was written.
+        bool unencodable = false;
     };
 
     static Result Save(const CMFCScintilla& editor, const QString& path, int encoding,
-                       bool writeMark);
+                       bool writeMark, const AnsiCodePage* codePage = nullptr);
 };

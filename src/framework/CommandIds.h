@@ -137,6 +137,14 @@ enum Id : int {
     EditSortUnique = 36007,
     EditAutoClose = 36008,
     EditToggleBlockComment = 36009,
+    // Edit > Convert Line Endings (36300-36399: document format)
+    ConvertToWindows = 36300,
+    ConvertToUnix = 36301,
+    ConvertToMacintosh = 36302,
+    // View > Zoom
+    ViewZoomIn = 36310,
+    ViewZoomOut = 36311,
+    ViewZoomReset = 36312,
 };
 
 } // namespace Cmd

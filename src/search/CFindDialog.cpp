@@ -77,9 +77,9 @@ void CFindDialog::BuildControls()
     m_matchCaseBox->setObjectName(QStringLiteral("matchCase"));
     m_matchWordBox = new QCheckBox(tr("Match &whole word"), this);
     m_matchWordBox->setObjectName(QStringLiteral("matchWord"));
-    m_regExpBox = new QCheckBox(tr("Use regular expressions"), this);
+    m_regExpBox = new QCheckBox(tr("Use regular e&xpressions"), this);
     m_regExpBox->setObjectName(QStringLiteral("regExp"));
-    m_wrapAroundBox = new QCheckBox(tr("&Wrap around"), this);
+    m_wrapAroundBox = new QCheckBox(tr("Wra&p around"), this);
     m_wrapAroundBox->setObjectName(QStringLiteral("wrapAround"));
 
     auto* direction = new QGroupBox(tr("Direction"), this);

@@ -7,6 +7,7 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
+#include "editor/CTextSearch.h"
 #include "framework/CommandIds.h"
 #include "settings/MainFrameSettings.h"
 #include "shell/CCommandRegistry.h"
@@ -15,6 +16,19 @@
 
 #include <QFileInfo>
 #include <QMainWindow>
+
+namespace {
+
+// Selects, in a file opened from a result with the caret on the match, the text that
+// `options` found there.
+bool SelectFoundText(CMFCScintilla* editor, const FindInFilesOptions& options)
+{
+    CTextSearch search(editor);
+    search.SetSearchFlags(options.matchCase, options.matchWord, options.regExp);
+    return search.SelectMatchAtCaret(options.text);
+}
+
+} // namespace
 
 CFindInFilesCommands::CFindInFilesCommands(IShell& shell)
     : QObject(shell.Window())
@@ -74,6 +88,9 @@ void CFindInFilesCommands::OpenLocation(const QString& path, int line, int colum
     if (!document && m_shell.ActiveChild())
         document = m_shell.ActiveChild()->GetDocument();
     if (auto* text = qobject_cast<CScrivelDoc*>(document);
-        text && QFileInfo(text->GetPathName()) == info)
+        text && QFileInfo(text->GetPathName()) == info) {
         text->GoToLineColumn(line, column);
+        if (CMFCScintilla* editor = text->GetEditor())
+            SelectFoundText(editor, m_runner->lastOptions());
+    }
 }

@@ -45,7 +45,10 @@ CFindInFilesDialog::CFindInFilesDialog(const QString& initialText, const QString
     auto* form = new QFormLayout;
     form->addRow(tr("Fi&nd what:"), m_find);
     form->addRow(tr("File &types:"), m_types);
-    form->addRow(tr("F&older:"), folderRow);
+    // A label for a row of widgets has no buddy of its own: lead it to the box.
+    auto* folderLabel = new QLabel(tr("F&older:"));
+    folderLabel->setBuddy(m_folder);
+    form->addRow(folderLabel, folderRow);
 
     m_subFolders = new QCheckBox(tr("Include &subfolders"));
     m_matchCase = new QCheckBox(tr("Match &case"));
@@ -155,6 +158,9 @@ FindInFilesOptions CFindInFilesDialog::options() const
     options.matchCase = m_matchCase->isChecked();
     options.matchWord = m_matchWord->isChecked();
     options.regExp = m_regExp->isChecked();
+    // "Ansi" files are searched in the code page the editor opens them in.
+    options.ansiCodePage = CRegistryStore().GetProfileString(
+        QStringLiteral("EditSettings"), QStringLiteral("AnsiCodePage"), options.ansiCodePage);
     return options;
 }
 

@@ -18,6 +18,7 @@ struct CFindInFilesEngine::Job
 {
     FindInFilesOptions options;
     SearchQuery query;
+    AnsiCodePage codePage;
 
     std::atomic<bool> stop{false};
     std::atomic<bool> cancelled{false};
@@ -118,6 +119,7 @@ bool CFindInFilesEngine::start(const FindInFilesOptions& options)
     auto job = std::make_shared<Job>();
     job->options = options;
     job->query = std::move(query);
+    job->codePage = AnsiCodePage(options.ansiCodePage);
     m_job = job;
     m_clock.start();
 
@@ -160,7 +162,7 @@ bool CFindInFilesEngine::start(const FindInFilesOptions& options)
 
     for (int i = 0; i < searchers; ++i) {
         job->threads.emplace_back([job, threadDone] {
-            FileSearcher searcher(job->query, job->options.tabWidth);
+            FileSearcher searcher(job->query, job->options.tabWidth, job->codePage);
             QList<FindInFilesMatch> found;
             std::vector<QByteArray> paths;
             for (;;) {

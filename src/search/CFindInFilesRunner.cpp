@@ -41,6 +41,7 @@ bool CFindInFilesRunner::start(const FindInFilesOptions& options)
             m_page->showSearchError(m_engine->errorString());
         return false;
     }
+    m_lastOptions = options;
     if (m_page)
         m_page->beginSearch(describe(options));
     return true;

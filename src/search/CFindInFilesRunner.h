@@ -24,6 +24,8 @@ public:
     CFindInFilesEngine* engine() const { return m_engine; }
 
     static QString describe(const FindInFilesOptions& options);
+    // The options of the run whose results the page shows.
+    const FindInFilesOptions& lastOptions() const { return m_lastOptions; }
 
 signals:
     void finished(const FindInFilesSummary& summary);
@@ -31,4 +33,5 @@ signals:
 private:
     CFindInFilesEngine* m_engine;
     QPointer<CFindResultsPage> m_page;
+    FindInFilesOptions m_lastOptions;
 };

@@ -93,13 +93,13 @@ void CReplaceDialog::BuildControls()
     m_matchCaseBox->setObjectName(QStringLiteral("matchCase"));
     m_matchWordBox = new QCheckBox(tr("Match &whole words only"), this);
     m_matchWordBox->setObjectName(QStringLiteral("matchWord"));
-    m_regExpBox = new QCheckBox(tr("Use Regular Expressions"), this);
+    m_regExpBox = new QCheckBox(tr("Use Regular E&xpressions"), this);
     m_regExpBox->setObjectName(QStringLiteral("regExp"));
 
     auto* scope = new QGroupBox(tr("Scope"), this);
-    m_selectionButton = new QRadioButton(tr("Selected text"), scope);
+    m_selectionButton = new QRadioButton(tr("&Selected text"), scope);
     m_selectionButton->setObjectName(QStringLiteral("scopeSelection"));
-    m_documentButton = new QRadioButton(tr("Active document"), scope);
+    m_documentButton = new QRadioButton(tr("Active d&ocument"), scope);
     m_documentButton->setObjectName(QStringLiteral("scopeDocument"));
     auto* scopeLayout = new QVBoxLayout(scope);
     scopeLayout->addWidget(m_selectionButton);

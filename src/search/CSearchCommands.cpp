@@ -266,7 +266,7 @@ long CSearchCommands::ReplaceInActiveView(const QString& find, const QString& re
     search.SetSearchFlags(matchCase, matchWord, regExp);
     long result = -1;
     if (replaceAll) {
-        const long count = search.ReplaceAll(find, replace, selectionScope, false);
+        const long count = search.ReplaceAll(find, replace, selectionScope, regExp);
         if (count == CTextSearch::ScopeEmpty)
             Information(tr("Could not replace in selection as nothing was selected."));
         else if (count >= 0)
@@ -274,7 +274,7 @@ long CSearchCommands::ReplaceInActiveView(const QString& find, const QString& re
         else
             Information(tr("Search text not found."));
     } else {
-        result = search.ReplaceNext(find, replace, false, lastFound);
+        result = search.ReplaceNext(find, replace, regExp, lastFound);
         if (result == -1)
             Information(tr("The search text was not found"));
     }

@@ -123,9 +123,10 @@ FileSearcher::Detection FileSearcher::Detect(const char* data, std::size_t lengt
     return {detector.Encoding(), detector.BomLength(), detector.IsBinary()};
 }
 
-FileSearcher::FileSearcher(const SearchQuery& query, int tabWidth)
+FileSearcher::FileSearcher(const SearchQuery& query, int tabWidth, const AnsiCodePage& codePage)
     : m_matcher(query)
     , m_tabWidth(tabWidth)
+    , m_codePage(codePage)
 {
 }
 
@@ -161,7 +162,8 @@ FileSearcher::Outcome FileSearcher::Search(const QByteArray& path, QList<FindInF
 
     const qsizetype firstMatch = out.size();
     QString displayPath;
-    bool heldAsUtf8 = false;
+    // Every form is searched as the UTF-8 the editor would hold.
+    constexpr bool heldAsUtf8 = true;
     bool decoding = false;
     std::optional<EncodingReader> reader;
     qint64 line = 1;
@@ -229,16 +231,15 @@ FileSearcher::Outcome FileSearcher::Search(const QByteArray& path, QList<FindInF
                 if (detected.binary)
                     return Outcome::Binary;
                 const int encoding = detected.encoding;
-                heldAsUtf8 = TextEncoding::HeldAsUtf8(encoding);
-                if (encoding == TextEncoding::Utf8 || encoding == TextEncoding::Ansi) {
+                if (encoding == TextEncoding::Utf8) {
                     // The mark is not part of the text the editor shows.
-                    const std::size_t mark = encoding == TextEncoding::Utf8 ? std::size_t(detected.bomLength) : 0;
+                    const std::size_t mark = std::size_t(detected.bomLength);
                     const std::size_t skip = std::min<std::size_t>(mark, std::size_t(got));
                     std::memmove(m_text.data(), m_text.data() + skip, std::size_t(got) - skip);
                     textLength = std::size_t(got) - skip;
                 } else {
                     decoding = true;
-                    reader.emplace(encoding, detected.bomLength);
+                    reader.emplace(encoding, detected.bomLength, &m_codePage);
                     m_raw.assign(m_text.data(), std::size_t(got));
                 }
             } else if (!decoding) {

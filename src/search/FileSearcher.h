@@ -2,6 +2,7 @@
 
 #include "FindInFilesTypes.h"
 #include "TextMatcher.h"
+#include "editor/AnsiCodePage.h"
 
 #include <QByteArray>
 #include <QList>
@@ -9,8 +10,8 @@
 #include <string>
 
 // Searches one file the way the editor would read it: the encoding is detected from the
-// first bytes, "Ansi" and UTF-8 are searched as they lie, the 16- and 32-bit forms are
-// decoded to UTF-8 first. Binary files are left alone. Files are read in large pieces cut
+// first bytes, UTF-8 is searched as it lies, "Ansi" (through its code page) and the 16-
+// and 32-bit forms are decoded to UTF-8 first. Binary files are left alone. Files are read in large pieces cut
 // at line ends, so a file of any size takes bounded memory; a line longer than
 // MaxLineLength makes the file count as unreadable.
 // One per thread.
@@ -19,7 +20,8 @@ class FileSearcher
 public:
     enum class Outcome { Searched, Binary, Unreadable, Stopped, LimitReached };
 
-    FileSearcher(const SearchQuery& query, int tabWidth);
+    FileSearcher(const SearchQuery& query, int tabWidth,
+                 const AnsiCodePage& codePage = AnsiCodePage::Default());
 
     // `path` is in the file system's own encoding (QFile::encodeName). Matches are added
     // to `out`, at most `limit` of them. `stop` is looked at between pieces.
@@ -47,6 +49,7 @@ public:
 private:
     TextMatcher m_matcher;
     int m_tabWidth;
+    AnsiCodePage m_codePage;
     std::string m_raw;
     std::string m_text;
 };

@@ -17,6 +17,8 @@ struct FindInFilesOptions
     bool regExp = false;
     // Tab stops of the editor, so that columns are the ones it shows.
     int tabWidth = 4;
+    // The code page "Ansi" files are read in, as the editor reads them.
+    QString ansiCodePage = QStringLiteral("windows-1252");
     // A run stops quietly after this many matches; the summary says so.
     qint64 maxMatches = 1000000;
 };

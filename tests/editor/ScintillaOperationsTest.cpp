@@ -4,6 +4,9 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QImage>
+#include <QTest>
+#include <QPixmap>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -285,5 +288,79 @@ TEST_F(ScintillaOperationsTest, SearchSeedIsCutTo99BytesWithoutSplittingACharact
     m_editor->GotoPos(0);
     EXPECT_EQ(m_editor->GetSearchSeed(), QString(98, u'q')) << "without a selection the last seed comes back";
 }
+
+// Markdown headings are coloured whole, not only their "#" marks; other lines are not.
+TEST_F(ScintillaOperationsTest, MarkdownHeadingTextTakesTheHeadingColour)
+{
+    m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "markdown");
+    m_editor->SendScintilla(Sci::SCI_STYLESETFORE, 6UL, 0xE60000L);
+    m_editor->SendScintilla(Sci::SCI_STYLESETFORE, 7UL, 0x00A000L);
+    SetText("# Title\nplain text\n## Second\n");
+    m_editor->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(m_editor.get()));
+    QCoreApplication::processEvents();
+    const auto colourAt = [this](long position) {
+        if (!(m_editor->SendScintilla(Sci::SCI_INDICATORALLONFOR, static_cast<unsigned long>(position))
+              & (1 << CMFCScintilla::HeadingIndicator)))
+            return -1L;
+        return m_editor->SendScintilla(Sci::SCI_INDICATORVALUEAT, static_cast<unsigned long>(CMFCScintilla::HeadingIndicator), position) & 0xFFFFFF;
+    };
+    EXPECT_EQ(colourAt(3), 0xE60000L) << "the text of a first-level heading";
+    EXPECT_EQ(colourAt(10), -1L) << "a plain line";
+    EXPECT_EQ(colourAt(21), 0x00A000L) << "the text of a second-level heading";
+
+    // Another language leaves no heading colour behind.
+    m_editor->SendScintilla(Sci::SCI_SETLEXERLANGUAGE, 0UL, "null");
+    m_editor->AddText(" ");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(colourAt(3), -1L);
+}
+
+// The current line's colour lies behind the text: its letters stay visible at every
+// transparency, 255 giving the colour itself and lower values a mix with the background.
+struct CaretLineCase
+{
+    int alpha;
+    quint32 expectedBack;
+};
+
+class CaretLine : public ScintillaOperationsTest, public ::testing::WithParamInterface<CaretLineCase>
+{
+};
+
+TEST_P(CaretLine, IsPaintedBehindTheText)
+{
+    const CaretLineCase& c = GetParam();
+    SetText("MMMMMMMMMMMMMMMMMMMM\nsecond line\n");
+    m_editor->GotoPos(0);
+    m_editor->SendScintilla(Sci::SCI_STYLESETBACK, Sci::STYLE_DEFAULT, 0xFFFFFFL);
+    m_editor->SetCaretLine(true, 0x00FFFF, c.alpha); // yellow
+    EXPECT_EQ(m_editor->SendScintilla(Sci::SCI_GETCARETLINEBACKALPHA), long(Sci::SC_ALPHA_NOALPHA));
+    EXPECT_EQ(quint32(m_editor->SendScintilla(Sci::SCI_GETCARETLINEBACK)), c.expectedBack);
+
+    m_editor->show();
+    m_editor->activateWindow();
+    m_editor->setFocus();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_editor.get()));
+    const QImage image = m_editor->viewport()->grab().toImage();
+    const int y = int(m_editor->SendScintilla(Sci::SCI_POINTYFROMPOSITION, 0UL, 0L))
+        + int(m_editor->SendScintilla(Sci::SCI_TEXTHEIGHT, 0UL)) / 2;
+    const int x0 = int(m_editor->SendScintilla(Sci::SCI_POINTXFROMPOSITION, 0UL, 0L));
+    const int x1 = int(m_editor->SendScintilla(Sci::SCI_POINTXFROMPOSITION, 0UL, 20L));
+    int dark = 0;
+    for (int x = x0; x < x1 && x < image.width(); ++x) {
+        if (qGray(image.pixel(x, y)) < 100)
+            ++dark;
+    }
+    EXPECT_GT(dark, 5) << "the letters of the current line are hidden";
+    const QRgb back = image.pixel(x1 + 20, y);
+    EXPECT_EQ(qRgb(qRed(back), qGreen(back), qBlue(back)),
+              qRgb(int(c.expectedBack & 0xFF), int((c.expectedBack >> 8) & 0xFF), int(c.expectedBack >> 16)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Alphas, CaretLine, ::testing::Values(
+    CaretLineCase{255, 0x00FFFF},
+    CaretLineCase{128, 0x7FFFFF},
+    CaretLineCase{0, 0xFFFFFF}));
 
 } // namespace

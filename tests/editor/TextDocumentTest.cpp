@@ -6,8 +6,10 @@
 #include "editor/TextEncoding.h"
 #include "editor/TextFileDetector.h"
 #include "TestSupport.h"
+#include "settings/CRegistryStore.h"
 
 #include <QDir>
+#include <QMessageBox>
 #include <QStringEncoder>
 #include <gtest/gtest.h>
 #include <memory>
@@ -117,6 +119,18 @@ QByteArray AnsiBytes()
     return bytes;
 }
 
+// All 256 values, the five windows-1252 leaves undefined among them, twice over.
+QByteArray EveryByteValue()
+{
+    QByteArray bytes;
+    for (int round = 0; round < 2; ++round) {
+        for (int b = 1; b < 256; ++b)
+            bytes += char(b);
+        bytes += "\r\n";
+    }
+    return bytes;
+}
+
 INSTANTIATE_TEST_SUITE_P(Encodings, SaveUnchanged, ::testing::Values(
     FileCase{"utf8_mark", Encode(kSmall, QStringConverter::Utf8, true), Utf8},
     FileCase{"utf8_plain", Encode(kSmall, QStringConverter::Utf8, false), Utf8},
@@ -126,6 +140,7 @@ INSTANTIATE_TEST_SUITE_P(Encodings, SaveUnchanged, ::testing::Values(
     FileCase{"utf32le_mark", Encode(kSmall, QStringConverter::Utf32LE, true), Utf32LE},
     FileCase{"utf32be_mark", Encode(kSmall, QStringConverter::Utf32BE, true), Utf32BE},
     FileCase{"ansi_latin1", AnsiBytes(), Ansi},
+    FileCase{"ansi_every_byte", EveryByteValue(), Ansi},
     FileCase{"empty", QByteArray(), Ansi},
     FileCase{"one_byte", QByteArray("\xE9"), Ansi},
     FileCase{"large_utf8", Encode(kLarge, QStringConverter::Utf8, false), Utf8},
@@ -178,7 +193,7 @@ TEST_F(TextDocumentTest, UndoingBackToTheSavePointClearsTheModifiedMark)
     EXPECT_EQ(document->GetTitle(), QStringLiteral("undo.txt"));
 }
 
-TEST_F(TextDocumentTest, SaveAsChangesEncodingAndName)
+TEST_F(TextDocumentTest, SaveAsChangesEncodingNameAndLineEnds)
 {
     const QString path = Path(QStringLiteral("plain.txt"));
     TestSupport::WriteFile(path, "one\ntwo\n");
@@ -187,16 +202,50 @@ TEST_F(TextDocumentTest, SaveAsChangesEncodingAndName)
     const QString other = Path(QStringLiteral("wide.md"));
     ASSERT_TRUE(document->SaveAs(other, Utf16LE, CMFCScintilla::SC_EOL_CRLF));
     EXPECT_EQ(document->GetPathName(), other);
-    EXPECT_EQ(TestSupport::ReadFile(other), Encode(QStringLiteral("one\ntwo\n"), QStringConverter::Utf16LE, true));
+    EXPECT_EQ(TestSupport::ReadFile(other), Encode(QStringLiteral("one\r\ntwo\r\n"), QStringConverter::Utf16LE, true));
     EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("one\ntwo\n")) << "the old file is untouched";
-    // New lines follow the chosen line end; the old ones stay as they were.
+    // New lines follow the chosen line end too.
     document->GetEditor()->GotoPos(document->GetEditor()->GetLength());
     document->GetEditor()->SendScintilla(QsciScintillaBase::SCI_NEWLINE);
     ASSERT_TRUE(document->DoFileSave());
-    EXPECT_EQ(TestSupport::ReadFile(other), Encode(QStringLiteral("one\ntwo\n\r\n"), QStringConverter::Utf16LE, true));
+    EXPECT_EQ(TestSupport::ReadFile(other), Encode(QStringLiteral("one\r\ntwo\r\n\r\n"), QStringConverter::Utf16LE, true));
 }
 
-TEST_F(TextDocumentTest, Utf8WithoutMarkGainsOneOnlyWhenChosen)
+struct LineEndCase
+{
+    const char* name;
+    int mode;
+    const char* expected;
+};
+
+class ConvertLineEnds : public TextDocumentTest, public ::testing::WithParamInterface<LineEndCase>
+{
+};
+
+TEST_P(ConvertLineEnds, EveryLineEndAsOneUndoStep)
+{
+    const LineEndCase& c = GetParam();
+    const QByteArray mixed("a\nb\r\nc\rd\n\n");
+    const QString path = Path(QStringLiteral("mixed.txt"));
+    TestSupport::WriteFile(path, mixed);
+    CScrivelDoc* document = Open(path);
+    ASSERT_NE(document, nullptr);
+    document->ConvertLineEndings(c.mode);
+    EXPECT_EQ(Text(document), QByteArray(c.expected));
+    EXPECT_EQ(document->LineEnding, c.mode);
+    EXPECT_EQ(document->GetEditor()->GetEOLMode(), c.mode);
+    document->GetEditor()->Undo();
+    EXPECT_EQ(Text(document), mixed) << "one undo brings every line end back";
+    EXPECT_FALSE(document->IsModified());
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, ConvertLineEnds, ::testing::Values(
+    LineEndCase{"crlf", CMFCScintilla::SC_EOL_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n"},
+    LineEndCase{"cr", CMFCScintilla::SC_EOL_CR, "a\rb\rc\rd\r\r"},
+    LineEndCase{"lf", CMFCScintilla::SC_EOL_LF, "a\nb\nc\nd\n\n"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(TextDocumentTest, Utf8WithoutMarkKeepsItThroughSaveAsAndGainsOneOnAChange)
 {
     const QString path = Path(QStringLiteral("script.sh"));
     const QByteArray bytes = "#!/bin/sh\necho \xC3\xA9t\xC3\xA9 \xE2\x82\xAC\n";
@@ -207,8 +256,72 @@ TEST_F(TextDocumentTest, Utf8WithoutMarkGainsOneOnlyWhenChosen)
     ASSERT_TRUE(document->DoFileSave());
     EXPECT_EQ(TestSupport::ReadFile(path), bytes);
     ASSERT_TRUE(document->SaveAs(path, Utf8, CMFCScintilla::SC_EOL_LF));
+    EXPECT_EQ(TestSupport::ReadFile(path), bytes) << "the same encoding is no reason for a mark";
+    ASSERT_TRUE(document->SaveAs(path, Utf16BE, CMFCScintilla::SC_EOL_LF));
+    ASSERT_TRUE(document->SaveAs(path, Utf8, CMFCScintilla::SC_EOL_LF));
     EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("\xEF\xBB\xBF") + bytes);
 }
+
+TEST_F(TextDocumentTest, AnsiFileShowsItsLettersAndConvertsToValidUtf8)
+{
+    const QString path = Path(QStringLiteral("latin.txt"));
+    TestSupport::WriteFile(path, "Caf\xE9 \x80\r\n");
+    CScrivelDoc* document = Open(path);
+    ASSERT_NE(document, nullptr);
+    ASSERT_EQ(document->Encoding, Ansi);
+    EXPECT_EQ(Text(document), QByteArray("Caf\xC3\xA9 \xE2\x82\xAC\r\n"));
+    const QString other = Path(QStringLiteral("utf8.txt"));
+    ASSERT_TRUE(document->SaveAs(other, Utf8, CMFCScintilla::SC_EOL_CRLF));
+    EXPECT_EQ(TestSupport::ReadFile(other), QByteArray("\xEF\xBB\xBF" "Caf\xC3\xA9 \xE2\x82\xAC\r\n"));
+}
+
+TEST_F(TextDocumentTest, AnsiReadsInTheConfiguredCodePage)
+{
+    CRegistryStore().WriteProfileString(QStringLiteral("EditSettings"), QStringLiteral("AnsiCodePage"),
+                                         QStringLiteral("windows-1251"));
+    const QString path = Path(QStringLiteral("cyrillic.txt"));
+    TestSupport::WriteFile(path, "\xCF\xF0\xE8\xE2\xE5\xF2\n");
+    CScrivelDoc* document = Open(path);
+    CRegistryStore().WriteProfileString(QStringLiteral("EditSettings"), QStringLiteral("AnsiCodePage"), QString());
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(QString::fromUtf8(Text(document)), QString::fromUtf8("\xD0\x9F\xD1\x80\xD0\xB8\xD0\xB2\xD0\xB5\xD1\x82\n"));
+}
+
+struct UnholdableCase
+{
+    const char* name;
+    int answer;
+    bool saved;
+    const char* expectedFile;
+    int expectedEncoding;
+};
+
+class UnholdableText : public TextDocumentTest, public ::testing::WithParamInterface<UnholdableCase>
+{
+};
+
+TEST_P(UnholdableText, SaveAsksForUtf8AndNeverWritesAStandIn)
+{
+    const UnholdableCase& c = GetParam();
+    const QString path = Path(QStringLiteral("latin.txt"));
+    TestSupport::WriteFile(path, "caf\xE9\n");
+    CScrivelDoc* document = Open(path);
+    ASSERT_NE(document, nullptr);
+    document->GetEditor()->GotoPos(0);
+    document->GetEditor()->AddText("\xE4\xB8\xAD ");
+    TestSupport::ModalAnswerer answerer(c.answer);
+    EXPECT_EQ(document->DoFileSave(), c.saved);
+    ASSERT_EQ(answerer.Texts().size(), 1);
+    EXPECT_TRUE(answerer.Texts().first().contains(QStringLiteral("UTF-8"))) << answerer.Texts().first().toStdString();
+    EXPECT_EQ(TestSupport::ReadFile(path), QByteArray(c.expectedFile));
+    EXPECT_EQ(document->Encoding, c.expectedEncoding);
+    EXPECT_EQ(document->IsModified(), !c.saved);
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, UnholdableText, ::testing::Values(
+    UnholdableCase{"yes_saves_utf8", QMessageBox::Yes, true, "\xEF\xBB\xBF\xE4\xB8\xAD caf\xC3\xA9\n", Utf8},
+    UnholdableCase{"no_keeps_the_file", QMessageBox::No, false, "caf\xE9\n", Ansi}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(TextDocumentTest, SaveIntoAMissingFolderFailsAndKeepsTheDocumentModified)
 {

@@ -76,9 +76,8 @@ TEST_F(FindInFilesCommandsTest, AResultOpensItsFileAtTheLineAndColumn)
     EXPECT_EQ(document->GetPathName(), path);
     CMFCScintilla* editor = document->GetEditor();
     EXPECT_EQ(editor->GetCurrentLine(), 2);
-    EXPECT_EQ(editor->GetColumn(), 3);
-    const long caret = editor->GetCurrentPos();
-    EXPECT_EQ(editor->GetTextRange(caret, caret + 6), QByteArray("needle"));
+    EXPECT_EQ(editor->GetColumn(editor->GetSelectionStart()), 3);
+    EXPECT_EQ(editor->GetSelText(), QByteArray("needle")) << "the match is selected";
 
     // The second time the open document is only brought forward, and the caret moves.
     editor->GotoPos(0);
@@ -86,6 +85,7 @@ TEST_F(FindInFilesCommandsTest, AResultOpensItsFileAtTheLineAndColumn)
     EXPECT_EQ(CMorvaneApp::MainFrame()->ChildFrames().size(), 2) << "Untitled1 and the file, no copy";
     EXPECT_EQ(editor->GetCurrentLine(), 1);
     EXPECT_EQ(editor->GetColumn(), 1);
+    EXPECT_FALSE(editor->HasSelection()) << "no match starts there";
 }
 
 } // namespace

@@ -103,6 +103,37 @@ TEST_F(FindInFilesEngineTest, SearchesEveryEncodingAsTheEditorReadsIt)
     EXPECT_EQ(result.summary.filesBinary, 0);
 }
 
+TEST_F(FindInFilesEngineTest, AnsiFilesAreSearchedThroughTheirCodePage)
+{
+    // "Café" and the euro sign of windows-1252, past a plain ASCII start.
+    Write(QStringLiteral("latin.txt"), QByteArray("plain\r\nCaf\xE9 costs 5 \x80\r\n"));
+    Write(QStringLiteral("utf8.txt"), QByteArray("Caf\xC3\xA9 costs 5 \xE2\x82\xAC\n"));
+    struct Case
+    {
+        QString find;
+        int matches;
+    };
+    for (const Case& c : {Case{QStringLiteral("Caf\u00E9"), 2}, Case{QStringLiteral("5 \u20AC"), 2},
+                          Case{QStringLiteral("caf\u00C9"), 0}}) {
+        SCOPED_TRACE(c.find.toStdString());
+        const RunResult result = RunSearch(Options(c.find));
+        ASSERT_EQ(result.matches.size(), c.matches);
+        for (const FindInFilesMatch& match : result.matches) {
+            if (match.path.endsWith(QStringLiteral("latin.txt"))) {
+                EXPECT_EQ(match.line, 2);
+                EXPECT_EQ(match.text, QStringLiteral("Caf\u00E9 costs 5 \u20AC"));
+            }
+        }
+    }
+
+    Write(QStringLiteral("cyrillic.txt"), QByteArray("\xCF\xF0\xE8\xE2\xE5\xF2\n"));
+    FindInFilesOptions options = Options(QStringLiteral("\u041F\u0440\u0438"));
+    options.ansiCodePage = QStringLiteral("windows-1251");
+    const RunResult result = RunSearch(options);
+    ASSERT_EQ(result.matches.size(), 1);
+    EXPECT_TRUE(result.matches[0].path.endsWith(QStringLiteral("cyrillic.txt")));
+}
+
 TEST_F(FindInFilesEngineTest, NonAsciiTextIsFoundInUtf16Files)
 {
     const QString text = QStringLiteral("\u00FCber \u65E5\u672C\u8A9E text");

@@ -310,4 +310,50 @@ TEST_F(SearchDialogsTest, ReplaceDialogRhythmStartsOverInAnotherView)
     EXPECT_EQ(dialog->ReplaceCombo()->history(), QStringList({QStringLiteral("1")}));
 }
 
+// Replace through the commands the dialog calls: with expressions on, the replacement's
+// tags expand; off, it goes in as typed.
+struct ReplaceTagsCase
+{
+    const char* name;
+    bool regExp;
+    bool replaceAll;
+    const char* find;
+    const char* replace;
+    const char* expected;
+};
+
+class ReplaceTags : public SearchDialogsTest, public ::testing::WithParamInterface<ReplaceTagsCase>
+{
+};
+
+TEST_P(ReplaceTags, ExpandOnlyWithExpressions)
+{
+    const ReplaceTagsCase& c = GetParam();
+    SetText(0, "meet 10 pm\nmeet 11 am");
+    ModalAnswerer answerer;
+    if (c.replaceAll) {
+        m_commands->ReplaceInActiveView(QString::fromUtf8(c.find), QString::fromUtf8(c.replace), false,
+                                        false, c.regExp, false, true, -1);
+    } else {
+        const long found = m_commands->ReplaceInActiveView(QString::fromUtf8(c.find),
+                                                           QString::fromUtf8(c.replace), false, false,
+                                                           c.regExp, false, false, -1);
+        ASSERT_NE(found, -1);
+        m_commands->ReplaceInActiveView(QString::fromUtf8(c.find), QString::fromUtf8(c.replace), false,
+                                        false, c.regExp, false, false, found);
+    }
+    EXPECT_EQ(Text(0), QByteArray(c.expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, ReplaceTags, ::testing::Values(
+    ReplaceTagsCase{"groups_all", true, true, "meet (\\d+) (\\w+)", "\\2 at \\1", "pm at 10\nam at 11"},
+    ReplaceTagsCase{"groups_one", true, false, "meet (\\d+) (\\w+)", "\\2 at \\1", "pm at 10\nmeet 11 am"},
+    ReplaceTagsCase{"whole_match_tab_newline_backslash", true, true, "\\d+", "[\\0]\\t\\n\\\\",
+                    "meet [10]\t\n\\ pm\nmeet [11]\t\n\\ am"},
+    ReplaceTagsCase{"literal_without_expressions", false, true, "10", "\\2 at \\1\\n",
+                    "meet \\2 at \\1\\n pm\nmeet 11 am"},
+    ReplaceTagsCase{"literal_one_without_expressions", false, false, "11", "\\0\\t",
+                    "meet 10 pm\nmeet \\0\\t am"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 } // namespace

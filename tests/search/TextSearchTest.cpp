@@ -106,28 +106,28 @@ const FindCase findCases[] = {
 INSTANTIATE_TEST_SUITE_P(Cases, FindTextTest, ::testing::ValuesIn(findCases),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// MarkAll toggles the bookmark of each match's line, once per match.
-TEST_F(TextSearchTest, MarkAllTogglesEachMatchLineAndEnds)
+// MarkAll sets the bookmark of each match's line, however many matches the line holds.
+TEST_F(TextSearchTest, MarkAllSetsEachMatchLineAndEnds)
 {
-    // Line 1 has two matches and stays unmarked; line 4 doesn't match the case; line 5 was
-    // marked and is unmarked.
+    // Line 1 has two matches; line 4 doesn't match the case; line 5 was marked already
+    // and stays marked.
     SetText("foo\nbar foo foo\nbaz\nfoo\nFOO\nfoo", 9);
     Mark(5);
     EXPECT_TRUE(Search(true).MarkAll(QStringLiteral("foo")));
-    EXPECT_EQ(MarkedLines(), (Lines{0, 3}));
+    EXPECT_EQ(MarkedLines(), (Lines{0, 1, 3, 5}));
     EXPECT_EQ(Selection(), Range(9, 9)) << "the caret goes back where it was";
     EXPECT_TRUE(Search(true).MarkAll(QStringLiteral("foo")));
-    EXPECT_EQ(MarkedLines(), (Lines{5}));
+    EXPECT_EQ(MarkedLines(), (Lines{0, 1, 3, 5})) << "a second Mark All keeps the marks";
 
     EXPECT_FALSE(Search().MarkAll(QStringLiteral("xyz")));
     EXPECT_FALSE(Search().MarkAll(QString()));
-    EXPECT_EQ(MarkedLines(), (Lines{5}));
+    EXPECT_EQ(MarkedLines(), (Lines{0, 1, 3, 5}));
 
     // From the caret "b" is found at 1, from the top "ab" at 0: the first match never
     // comes round again, yet the loop must end.
     SetText("ab\n", 1);
     EXPECT_TRUE(Search(false, false, true).MarkAll(QStringLiteral("ab|b")));
-    EXPECT_EQ(MarkedLines(), Lines{}) << "line 0 was toggled twice";
+    EXPECT_EQ(MarkedLines(), Lines{0});
     SetText("a\nb\nc");
     EXPECT_TRUE(Search(false, false, true).MarkAll(QStringLiteral("x*")));
     EXPECT_EQ(Text(), QByteArray("a\nb\nc"));
@@ -256,5 +256,39 @@ TEST_F(TextSearchTest, LongLinesNeitherCrashNorHangAndMatchesStayWhole)
     EXPECT_EQ(search.ReplaceAll(QStringLiteral("a{1000}"), QStringLiteral("\\0,"), false, true), 60);
     EXPECT_TRUE(Text().startsWith("short\nx" + QByteArray(1000, 'a') + ",a"));
 }
+
+// A find in files result opens with the caret at the match's start: the match is selected.
+struct MatchAtCaretCase
+{
+    const char* name;
+    const char* text;
+    long caret;
+    const char* find;
+    bool matchCase;
+    bool regExp;
+    long selStart;
+    long selEnd;
+};
+
+class SelectMatchAtCaret : public TextSearchTest, public ::testing::WithParamInterface<MatchAtCaretCase>
+{
+};
+
+TEST_P(SelectMatchAtCaret, SelectsOnlyAMatchThatStartsThere)
+{
+    const MatchAtCaretCase& c = GetParam();
+    SetText(c.text, c.caret);
+    const bool found = Search(c.matchCase, false, c.regExp).SelectMatchAtCaret(QString::fromUtf8(c.find));
+    EXPECT_EQ(found, c.selStart != c.selEnd);
+    EXPECT_EQ(Selection(), Range(c.selStart, c.selEnd));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, SelectMatchAtCaret, ::testing::Values(
+    MatchAtCaretCase{"plain", "one Caf\xC3\xA9 two", 4, "caf\xC3\xA9", false, false, 4, 9},
+    MatchAtCaretCase{"expression", "x = foo(12);", 4, "foo\\(\\d+\\)", false, true, 4, 11},
+    MatchAtCaretCase{"case_differs", "abc ABC", 4, "abc", true, false, 4, 4},
+    MatchAtCaretCase{"match_later_on_the_line", "abc abc", 1, "abc", false, false, 1, 1},
+    MatchAtCaretCase{"not_on_the_next_line", "x\nabc", 0, "abc", false, false, 0, 0}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace

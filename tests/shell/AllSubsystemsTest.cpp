@@ -79,7 +79,10 @@ TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar
     }
     EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "White&space", "Line &Endings", "&Caret Line",
                                   "Line &Numbers", "Code &Folding", "&Block Select", "&Match Bracket", "-",
-                                  "&Font...", "-", "&Output Bar"}));
+                                  "Zoom &In", "Zoom &Out", "&Reset Zoom", "-", "&Font...", "-",
+                                  "&Output Bar", "-", "&Next Difference", "&Previous Difference",
+                                  "Copy to &Left", "Copy to &Right", "S&wap Sides", "Re&compare",
+                                  "Ignore W&hitespace Changes", "Ignore C&ase"}));
     QMenu* viewAs = m_shell.Menus().Menu(MenuId::ViewAs);
     ASSERT_FALSE(viewAs->actions().isEmpty());
     EXPECT_EQ(viewAs->actions().last()->data().toInt(), int(Cmd::ViewAsMore));

@@ -10,7 +10,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <set>
+#include <vector>
 
 namespace {
 
@@ -107,6 +110,104 @@ TEST_P(ShippedLanguage, ColoursItsSample)
         defined.insert(parser.colours[size_t(c)].style);
     for (int style : styles)
         EXPECT_TRUE(defined.contains(style)) << "no colour for style " << style;
+}
+
+// What a reader tells apart on a white background: every colour reads (contrast of 3 at
+// least), and the main kinds of text of one language differ in hue, lightness or
+// background, not only in shade (maroon tags beside red attributes read as one colour).
+struct Lab
+{
+    double l, a, b;
+};
+
+double Linear(quint32 channel)
+{
+    const double c = channel / 255.0;
+    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+}
+
+double Luminance(quint32 bgr)
+{
+    return 0.2126 * Linear(bgr & 0xFF) + 0.7152 * Linear((bgr >> 8) & 0xFF) + 0.0722 * Linear((bgr >> 16) & 0xFF);
+}
+
+double Contrast(quint32 fore, quint32 back)
+{
+    const double a = Luminance(fore) + 0.05;
+    const double b = Luminance(back) + 0.05;
+    return a > b ? a / b : b / a;
+}
+
+Lab ToLab(quint32 bgr)
+{
+    const double r = Linear(bgr & 0xFF), g = Linear((bgr >> 8) & 0xFF), b = Linear((bgr >> 16) & 0xFF);
+    const double x = (0.4124 * r + 0.3576 * g + 0.1805 * b) / 0.95047;
+    const double y = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+    const double z = (0.0193 * r + 0.1192 * g + 0.9505 * b) / 1.08883;
+    auto f = [](double t) { return t > 0.008856 ? std::cbrt(t) : 7.787 * t + 16.0 / 116.0; };
+    return {116 * f(y) - 16, 500 * (f(x) - f(y)), 200 * (f(y) - f(z))};
+}
+
+bool TellApart(const SyntaxColour& one, const SyntaxColour& other)
+{
+    if (one.back != other.back)
+        return true;
+    const Lab a = ToLab(one.fore), b = ToLab(other.fore);
+    if (std::abs(a.l - b.l) >= 25)
+        return true;
+    const double chromaA = std::hypot(a.a, a.b), chromaB = std::hypot(b.a, b.b);
+    if ((chromaA < 15) != (chromaB < 15))
+        return true;
+    if (chromaA < 15)
+        return false;
+    double hue = std::abs(std::atan2(a.b, a.a) - std::atan2(b.b, b.a)) * 180 / M_PI;
+    if (hue > 180)
+        hue = 360 - hue;
+    return hue >= 20;
+}
+
+// The kinds of text, each by the style names that stand for it in our definitions.
+const std::vector<std::pair<const char*, std::vector<const char*>>> kKinds = {
+    {"keyword", {"Keyword", "Command"}},
+    {"type", {"Secondary Keyword", "Built-in Type", "Type", "Class Name", "Global Class"}},
+    {"string", {"String", "Double-quoted String", "Value"}},
+    {"number", {"Number"}},
+    {"comment", {"Comment", "Line Comment", "Block Comment"}},
+    {"preprocessor", {"Preprocessor", "Directive", "Macro"}},
+    {"tag", {"Tag"}},
+    {"attribute", {"Attribute", "Key", "Property Name"}},
+    {"heading", {"Heading 1"}},
+    {"emphasis", {"Emphasis (*)"}},
+    {"code", {"Code"}},
+};
+
+TEST_P(ShippedLanguage, MainKindsOfTextAreLegibleAndDistinct)
+{
+    const int index = int(Shipped().MenuNames().indexOf(QString::fromUtf8(GetParam().menu)));
+    ASSERT_GE(index, 0);
+    const CSyntaxParser parser = Shipped().GetParser(index);
+    std::vector<std::pair<const char*, SyntaxColour>> found;
+    for (int c = 0; c < parser.colourCount; ++c) {
+        const SyntaxColour& colour = parser.colours[size_t(c)];
+        EXPECT_GE(Contrast(colour.fore, colour.back), 3.0) << colour.name.toStdString();
+    }
+    for (const auto& [kind, names] : kKinds) {
+        for (const char* name : names) {
+            const auto* colour = std::find_if(parser.colours.begin(), parser.colours.begin() + parser.colourCount,
+                                              [name](const SyntaxColour& c) { return c.name == QLatin1String(name); });
+            if (colour != parser.colours.begin() + parser.colourCount) {
+                found.emplace_back(kind, *colour);
+                break;
+            }
+        }
+    }
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        for (std::size_t j = i + 1; j < found.size(); ++j) {
+            EXPECT_TRUE(TellApart(found[i].second, found[j].second))
+                << found[i].first << " (" << found[i].second.name.toStdString() << ") and " << found[j].first
+                << " (" << found[j].second.name.toStdString() << ") look alike";
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Languages, ShippedLanguage, ::testing::ValuesIn(kLanguages));

@@ -1,0 +1,138 @@
+#include "CFakeShell.h"
+#include "TestSupport.h"
+#include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
+#include "editor/CScrivelFrame.h"
+#include "editor/DocumentFormat.h"
+#include "editor/TextFileDetector.h"
+#include "framework/CDocTemplate.h"
+#include "framework/CommandIds.h"
+#include "framework/OpenOptions.h"
+
+#include <QAction>
+#include <QDir>
+#include <QLabel>
+#include <QMenu>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace {
+
+// The line-end commands and the status panes in a stand-in window, over real files.
+class DocumentFormatTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_dir = TestSupport::MakeTempDir();
+        m_template = std::make_unique<CDocTemplate>(
+            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
+            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
+        m_template->SetOpenOptions(&m_options);
+        InstallDocumentFormat(m_shell);
+    }
+    void TearDown() override
+    {
+        m_shell.ActivateChild(nullptr);
+        for (CDocument* document : m_template->GetDocuments()) {
+            document->SetModifiedFlag(false);
+            const auto frames = document->GetFrames();
+            for (CChildFrame* frame : frames)
+                delete frame;
+            delete document;
+        }
+    }
+    CScrivelDoc* Open(const QString& name, const QByteArray& bytes)
+    {
+        const QString path = QDir(m_dir).filePath(name);
+        TestSupport::WriteFile(path, bytes);
+        TextFileDetector probe;
+        probe.Examine(path);
+        m_options = OpenOptions();
+        m_options.encoding = probe.Encoding();
+        m_options.bomLength = probe.BomLength();
+        auto* document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(path, false));
+        if (document) {
+            Q_EMIT m_shell.Events().documentCreated(document);
+            m_shell.ActivateChild(document->GetFrames().first());
+        }
+        return document;
+    }
+    QString Pane(const char* name) const
+    {
+        auto* label = const_cast<CFakeShell&>(m_shell).Window()->findChild<QLabel*>(QLatin1String(name));
+        return label ? label->text() : QStringLiteral("<no pane>");
+    }
+    bool Checked(int id)
+    {
+        m_shell.Commands().UpdateAll();
+        return m_shell.Commands().Action(id)->isChecked();
+    }
+
+    CFakeShell m_shell;
+    QString m_dir;
+    OpenOptions m_options;
+    std::unique_ptr<CDocTemplate> m_template;
+};
+
+TEST_F(DocumentFormatTest, StatusPanesFollowTheActiveDocument)
+{
+    CScrivelDoc* ansi = Open(QStringLiteral("a.txt"), "caf\xE9\r\nx\r\n");
+    ASSERT_NE(ansi, nullptr);
+    EXPECT_EQ(Pane("EncodingPane"), QStringLiteral("Ansi"));
+    EXPECT_EQ(Pane("LineEndingPane"), QStringLiteral("CRLF"));
+    CScrivelDoc* wide = Open(QStringLiteral("w.txt"), QByteArray("\xFE\xFF\0a\0\n", 6));
+    ASSERT_NE(wide, nullptr);
+    EXPECT_EQ(Pane("EncodingPane"), QStringLiteral("Unicode (Big Endian)"));
+    EXPECT_EQ(Pane("LineEndingPane"), QStringLiteral("LF"));
+    m_shell.ActivateChild(ansi->GetFrames().first());
+    EXPECT_EQ(Pane("EncodingPane"), QStringLiteral("Ansi"));
+}
+
+struct ConvertCase
+{
+    const char* name;
+    int command;
+    const char* expected;
+    const char* pane;
+};
+
+class ConvertCommand : public DocumentFormatTest, public ::testing::WithParamInterface<ConvertCase>
+{
+};
+
+TEST_P(ConvertCommand, ConvertsTheTextAndShowsTheNewMode)
+{
+    const ConvertCase& c = GetParam();
+    CScrivelDoc* document = Open(QStringLiteral("mixed.txt"), "a\r\nb\nc\rd\r\n");
+    ASSERT_NE(document, nullptr);
+    EXPECT_TRUE(Checked(Cmd::ConvertToWindows));
+    m_shell.Commands().Execute(c.command);
+    EXPECT_EQ(document->GetEditor()->GetText(), QByteArray(c.expected));
+    EXPECT_EQ(Pane("LineEndingPane"), QString::fromLatin1(c.pane));
+    EXPECT_TRUE(Checked(c.command));
+    ASSERT_TRUE(document->DoFileSave());
+    EXPECT_EQ(TestSupport::ReadFile(document->GetPathName()), QByteArray(c.expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, ConvertCommand, ::testing::Values(
+    ConvertCase{"windows", Cmd::ConvertToWindows, "a\r\nb\r\nc\r\nd\r\n", "CRLF"},
+    ConvertCase{"unix", Cmd::ConvertToUnix, "a\nb\nc\nd\n", "LF"},
+    ConvertCase{"macintosh", Cmd::ConvertToMacintosh, "a\rb\rc\rd\r", "CR"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(DocumentFormatTest, SubmenuOfEditHoldsTheThreeModes)
+{
+    QMenu* menu = m_shell.Menus().Menu(QStringLiteral("Edit.LineEndings"));
+    ASSERT_NE(menu, nullptr);
+    QStringList texts;
+    for (QAction* action : menu->actions())
+        if (!action->isSeparator())
+            texts << action->text();
+    EXPECT_EQ(texts, QStringList({QStringLiteral("&Windows (CRLF)"), QStringLiteral("&Unix (LF)"),
+                                  QStringLiteral("&Macintosh (CR)")}));
+    m_shell.Commands().UpdateAll();
+    EXPECT_FALSE(m_shell.Commands().Action(Cmd::ConvertToUnix)->isEnabled()) << "no document";
+}
+
+} // namespace
