@@ -9,6 +9,7 @@
 #include "editor/CScrivelView.h"
 #include "framework/CommandIds.h"
 #include "shell/CCommandRegistry.h"
+#include "shell/CMenuPlaces.h"
 #include "shell/IShell.h"
 
 #include <QFileIconProvider>
@@ -91,6 +92,7 @@ CCodeLibraryPage* InstallCodeLibrary(IShell& shell)
     fromTemplate.toolTip = QObject::tr("New From Template");
     fromTemplate.run = [page] { page->OnNewFromTemplate(); };
     shell.Commands().Register(fromTemplate);
+    shell.Menus().AddCommand(MenuId::FileNew, MenuGroup::Default, Cmd::FileNewFromTemplate);
 
     CommandSpec fromSelection;
     fromSelection.id = Cmd::CreateTemplateFromSelection;

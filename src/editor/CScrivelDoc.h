@@ -54,16 +54,14 @@ public:
     // step, and makes it the mode of lines typed from now on.
     void ConvertLineEndings(int lineEnding);
 
-Q_SIGNALS:
-    // The encoding or line-end mode changed (a load, a save, a conversion).
-    void formatChanged();
-
     // Looks whether another program changed or removed the file since it was read or
     // saved, and asks the user what to do: reload a changed file, keep a removed one
     // open. Runs when the program becomes active again; asks once per change.
     void CheckDiskChange();
 
 Q_SIGNALS:
+    // The encoding or line-end mode changed (a load, a save, a conversion).
+    void formatChanged();
     // The file was too large for text and the user chose the hex view instead.
     void hexViewRequested(const QString& path);
 

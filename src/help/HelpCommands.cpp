@@ -102,9 +102,9 @@ void InstallHelp(IShell& shell)
             shell.Menus().AddCommand(MenuId::Help, QString::fromLatin1(group), id);
     };
     add(Cmd::HelpContents, "&Contents", "help-contents", [help] { help->Show(CHelpWindow::Contents, QStringLiteral("index.html")); }, true);
-    add(Cmd::HelpTopics, "&Help Topics", "help-contents", [help] { help->Show(CHelpWindow::Contents, QStringLiteral("index.html")); }, false);
-    add(Cmd::HelpIndex, "&Index", "help-contents", [help] { help->Show(CHelpWindow::Index); }, false);
-    add(Cmd::HelpSearch, "&Search", "system-search", [help] { help->Show(CHelpWindow::Search); }, false);
+    add(Cmd::HelpTopics, "&Help Topics", "help-contents", [help] { help->Show(CHelpWindow::Contents, QStringLiteral("index.html")); }, true);
+    add(Cmd::HelpIndex, "&Index", "help-contents", [help] { help->Show(CHelpWindow::Index); }, true);
+    add(Cmd::HelpSearch, "&Search", "system-search", [help] { help->Show(CHelpWindow::Search); }, true);
     add(Cmd::HelpContext, "Help for This &Window\tF1", "help-contextual", [help] { help->ShowContext(); }, true);
     add(Cmd::AppAbout, "&About Morvane...", "help-about", [&shell] { CHelpCommands::About(shell.Window()); }, true,
         MenuGroup::HelpAbout);

@@ -36,9 +36,11 @@ CToolOutputPage::CToolOutputPage(QObject* parent)
     m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
     m_view->installEventFilter(this);
 
-    auto* copy = new QAction(tr("&Copy"), m_view);
-    copy->setShortcut(QKeySequence::Copy);
-    copy->setShortcutContext(Qt::WidgetShortcut);
+    // The list answers the copy key itself: a second action bound to it would make the
+    // window's Edit > Copy key ambiguous.
+    auto* copy = new QAction(tr("&Copy") + QLatin1Char('\t')
+                                 + QKeySequence(QKeySequence::Copy).toString(QKeySequence::NativeText),
+                             m_view);
     connect(copy, &QAction::triggered, this, &CToolOutputPage::CopySelection);
     auto* clear = new QAction(tr("C&lear"), m_view);
     connect(clear, &QAction::triggered, this, &CToolOutputPage::Clear);
@@ -141,6 +143,10 @@ bool CToolOutputPage::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == m_view && event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->matches(QKeySequence::Copy)) {
+            CopySelection();
+            return true;
+        }
         if (key->key() == Qt::Key_F4) {
             GoToNextLink(!(key->modifiers() & Qt::ShiftModifier));
             return true;

@@ -91,23 +91,26 @@ TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar
 
 TEST_F(AllSubsystemsTest, APlaceholdersSubsystemTakesItsPlaceOverWithTheSameAction)
 {
+    // A command whose subsystem is still to come holds its place greyed.
+    constexpr int kLater = 36999;
     CCommandRegistry& commands = m_shell.Commands();
-    QAction* before = commands.Action(Cmd::FilePrint);
+    QAction* before = commands.Register({.id = kLater, .text = QStringLiteral("&Later"), .placeholder = true});
     ASSERT_NE(before, nullptr);
-    EXPECT_FALSE(commands.State(Cmd::FilePrint).enabled) << "greyed while nobody prints";
-    int printed = 0;
-    QAction* after = commands.Register({.id = Cmd::FilePrint, .text = QStringLiteral("&Print..."),
-                                        .shortcut = QKeySequence(QKeySequence::Print),
-                                        .run = [&printed] { ++printed; }});
+    m_shell.Menus().AddCommand(MenuId::File, MenuGroup::FilePrint, kLater);
+    EXPECT_FALSE(commands.State(kLater).enabled) << "greyed while nobody carries it out";
+    int ran = 0;
+    QAction* after = commands.Register({.id = kLater, .text = QStringLiteral("&Later"),
+                                        .shortcut = QKeySequence(QStringLiteral("Ctrl+Alt+Shift+F12")),
+                                        .run = [&ran] { ++ran; }});
     EXPECT_EQ(after, before);
-    m_shell.Menus().AddCommand(MenuId::File, MenuGroup::FilePrint, Cmd::FilePrint);
+    m_shell.Menus().AddCommand(MenuId::File, MenuGroup::FilePrint, kLater);
     EXPECT_EQ(m_shell.Menus().Menu(MenuId::File)->actions().count(before), 1) << "added once";
-    EXPECT_TRUE(commands.State(Cmd::FilePrint).enabled);
-    commands.Execute(Cmd::FilePrint);
-    EXPECT_EQ(printed, 1);
+    EXPECT_TRUE(commands.State(kLater).enabled);
+    commands.Execute(kLater);
+    EXPECT_EQ(ran, 1);
     // A real command is not taken over a second time.
-    EXPECT_EQ(commands.Register({.id = Cmd::FilePrint, .text = QStringLiteral("Other")}), nullptr);
-    EXPECT_EQ(commands.Action(Cmd::FilePrint)->text(), QStringLiteral("&Print..."));
+    EXPECT_EQ(commands.Register({.id = kLater, .text = QStringLiteral("Other")}), nullptr);
+    EXPECT_EQ(commands.Action(kLater)->text(), QStringLiteral("&Later"));
 }
 
 } // namespace
