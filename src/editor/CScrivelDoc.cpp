@@ -18,6 +18,8 @@
 
 #include <QApplication>
 #include <QTimer>
+
+#include <utility>
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -348,7 +350,12 @@ bool CScrivelDoc::MayOverwrite(const QString& path)
                         .arg(QDir::toNativeSeparators(path)),
                     QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
     box.setDefaultButton(QMessageBox::No);
-    return box.exec() == QMessageBox::Yes;
+    // This question is about the same change: a check that the program's activation
+    // queued must not ask to reload from inside it.
+    const bool wasChecking = std::exchange(m_checkingDisk, true);
+    const bool overwrite = box.exec() == QMessageBox::Yes;
+    m_checkingDisk = wasChecking;
+    return overwrite;
 }
 
 bool CScrivelDoc::Reload()

@@ -95,7 +95,7 @@ TEST_F(HelpTest, EveryCommandInTheMenusAndTheRegistryHasAPage)
     for (const int id : shell.Commands().Ids())
         ids.insert(id);
     ASSERT_GT(fromMenus, 40);
-    ASSERT_GT(int(ids.size()), fromMenus);
+    ASSERT_GE(int(ids.size()), fromMenus);
 
     QStringList missing;
     for (const int id : std::as_const(ids)) {
