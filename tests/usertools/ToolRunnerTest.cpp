@@ -110,7 +110,8 @@ TEST_F(ToolRunnerTest, AToolThatNeverEndsIsKilledAfterTheGracePeriod)
     QTest::qWait(100);
     EXPECT_TRUE(runner.IsRunning());
     ASSERT_TRUE(WaitForEnd(5000));
-    EXPECT_GE(clock.elapsed(), 300);
+    // A coarse timer may fire up to 5% early.
+    EXPECT_GE(clock.elapsed(), 285);
     EXPECT_TRUE(run.messages.contains(QStringLiteral("The redir thread is dead")));
     EXPECT_TRUE(run.crashed);
     EXPECT_TRUE(run.messages.last().startsWith(QStringLiteral("Ended by signal 9"))) << run.messages.last().toStdString();
