@@ -154,24 +154,24 @@ void CBackupManager::DeleteAllVersions()
 void CBackupManager::Register()
 {
     CCommandRegistry& commands = m_shell.Commands();
-    CommandSpec spec;
-    spec.id = Cmd::DocumentHistory;
-    spec.text = tr("View Document &History");
-    spec.category = QStringLiteral("File");
-    spec.iconName = QStringLiteral("document-open-recent");
-    spec.run = [this] { ShowHistory(); };
-    spec.update = [this](CCmdUI& ui) {
+    CommandInfo cmd;
+    cmd.id = Cmd::DocumentHistory;
+    cmd.text = tr("View Document &History");
+    cmd.category = QStringLiteral("File");
+    cmd.iconName = QStringLiteral("document-open-recent");
+    cmd.run = [this] { ShowHistory(); };
+    cmd.update = [this](CCmdUI& ui) {
         const CBackupStore* store = Store(m_shell.ActiveDocument());
         ui.enabled = store && store->IsActive() && store->GetCount() > 0;
     };
-    commands.Register(spec);
+    commands.Register(cmd);
 
-    spec = {};
-    spec.id = Cmd::BackupManager;
-    spec.text = tr("&Backup Manager...");
-    spec.category = QStringLiteral("File");
-    spec.run = [this] { ShowBackupManager(); };
-    commands.Register(spec);
+    cmd = {};
+    cmd.id = Cmd::BackupManager;
+    cmd.text = tr("&Backup Manager...");
+    cmd.category = QStringLiteral("File");
+    cmd.run = [this] { ShowBackupManager(); };
+    commands.Register(cmd);
 
     m_shell.Menus().AddCommand(MenuId::File, MenuGroup::FileVersions, Cmd::DocumentHistory);
     m_shell.Menus().AddCommand(MenuId::File, MenuGroup::FileVersions, Cmd::BackupManager);

@@ -85,7 +85,7 @@ CCodeLibraryPage* InstallCodeLibrary(IShell& shell)
 {
     auto* page = new CCodeLibraryPage(shell);
 
-    CommandSpec fromTemplate;
+    CommandInfo fromTemplate;
     fromTemplate.id = Cmd::FileNewFromTemplate;
     fromTemplate.text = QObject::tr("F&rom Template");
     fromTemplate.category = QObject::tr("File");
@@ -94,7 +94,7 @@ CCodeLibraryPage* InstallCodeLibrary(IShell& shell)
     shell.Commands().Register(fromTemplate);
     shell.Menus().AddCommand(MenuId::FileNew, MenuGroup::Default, Cmd::FileNewFromTemplate);
 
-    CommandSpec fromSelection;
+    CommandInfo fromSelection;
     fromSelection.id = Cmd::CreateTemplateFromSelection;
     fromSelection.text = QObject::tr("Create template from Selection");
     fromSelection.category = QObject::tr("Edit");

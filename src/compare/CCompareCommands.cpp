@@ -88,24 +88,24 @@ void CCompareCommands::Register()
     const QString file = QStringLiteral("File");
     const QString view = QStringLiteral("View");
 
-    CommandSpec spec;
-    spec.id = Cmd::CompareFiles;
-    spec.text = tr("Compare &Files...");
-    spec.category = file;
-    spec.iconName = QStringLiteral("view-split-left-right");
-    spec.run = [this] { ShowCompareFilesDialog(); };
-    commands.Register(spec);
+    CommandInfo cmd;
+    cmd.id = Cmd::CompareFiles;
+    cmd.text = tr("Compare &Files...");
+    cmd.category = file;
+    cmd.iconName = QStringLiteral("view-split-left-right");
+    cmd.run = [this] { ShowCompareFilesDialog(); };
+    commands.Register(cmd);
 
-    spec = {};
-    spec.id = Cmd::CompareWithSaved;
-    spec.text = tr("Compare with Sa&ved");
-    spec.category = file;
-    spec.run = [this] { CompareWithSaved(); };
-    spec.update = [this](CCmdUI& ui) {
+    cmd = {};
+    cmd.id = Cmd::CompareWithSaved;
+    cmd.text = tr("Compare with Sa&ved");
+    cmd.category = file;
+    cmd.run = [this] { CompareWithSaved(); };
+    cmd.update = [this](CCmdUI& ui) {
         CChildFrame* frame = m_shell.ActiveChild();
         ui.enabled = TextControl(frame) && QFileInfo(frame->GetDocument()->GetPathName()).isFile();
     };
-    commands.Register(spec);
+    commands.Register(cmd);
     menus.AddCommand(MenuId::File, MenuGroup::FileVersions, Cmd::CompareFiles);
     menus.AddCommand(MenuId::File, MenuGroup::FileVersions, Cmd::CompareWithSaved);
 
@@ -128,13 +128,13 @@ void CCompareCommands::Register()
         {Cmd::CompareRecompare, tr("Re&compare"), {}, QStringLiteral("view-refresh")},
     };
     for (const auto& r : routed) {
-        spec = {};
-        spec.id = r.id;
-        spec.text = r.text;
-        spec.category = view;
-        spec.shortcut = r.key;
-        spec.iconName = r.icon;
-        commands.Register(spec);
+        cmd = {};
+        cmd.id = r.id;
+        cmd.text = r.text;
+        cmd.category = view;
+        cmd.shortcut = r.key;
+        cmd.iconName = r.icon;
+        commands.Register(cmd);
         menus.AddCommand(MenuId::View, MenuGroup::ViewCompare, r.id);
     }
 
@@ -148,22 +148,22 @@ void CCompareCommands::Register()
         {Cmd::CompareIgnoreCase, tr("Ignore C&ase"), &DiffOptions::ignoreCase},
     };
     for (const auto& t : toggles) {
-        spec = {};
-        spec.id = t.id;
-        spec.text = t.text;
-        spec.category = view;
-        spec.checkable = true;
+        cmd = {};
+        cmd.id = t.id;
+        cmd.text = t.text;
+        cmd.category = view;
+        cmd.checkable = true;
         const auto member = t.member;
-        spec.run = [this, member] {
+        cmd.run = [this, member] {
             DiffOptions options = m_options;
             options.*member = !(options.*member);
             SetOptions(options);
         };
-        spec.update = [this, member](CCmdUI& ui) {
+        cmd.update = [this, member](CCmdUI& ui) {
             ui.handled = true;
             ui.checked = m_options.*member;
         };
-        commands.Register(spec);
+        commands.Register(cmd);
         menus.AddCommand(MenuId::View, MenuGroup::ViewCompare, t.id);
     }
 }

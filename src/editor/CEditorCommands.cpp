@@ -187,19 +187,19 @@ void CEditorCommands::RegisterCommands()
     CMenuPlaces& menus = m_shell.Menus();
     const QString edit = tr("Edit");
     for (const EditCommand& entry : kEditCommands) {
-        CommandSpec spec;
-        spec.id = entry.id;
-        spec.text = Translate(entry.text);
+        CommandInfo cmd;
+        cmd.id = entry.id;
+        cmd.text = Translate(entry.text);
         if (entry.shownKey)
-            spec.text += QLatin1Char('\t') + QKeySequence(QString::fromLatin1(entry.shownKey))
+            cmd.text += QLatin1Char('\t') + QKeySequence(QString::fromLatin1(entry.shownKey))
                                                  .toString(QKeySequence::NativeText);
-        spec.category = entry.id >= BookmarkToggle && entry.id <= BookmarkClear ? tr("Search") : edit;
-        spec.shortcut = entry.standardKey != QKeySequence::UnknownKey
+        cmd.category = entry.id >= BookmarkToggle && entry.id <= BookmarkClear ? tr("Search") : edit;
+        cmd.shortcut = entry.standardKey != QKeySequence::UnknownKey
                             ? QKeySequence(entry.standardKey)
                             : QKeySequence(QString::fromLatin1(entry.shortcut));
         if (entry.icon)
-            spec.iconName = QString::fromLatin1(entry.icon);
-        commands.Register(spec);
+            cmd.iconName = QString::fromLatin1(entry.icon);
+        commands.Register(cmd);
         menus.AddCommand(QString::fromLatin1(entry.menu), QString::fromLatin1(entry.group), entry.id);
     }
 

@@ -106,23 +106,23 @@ void InstallDocumentFormat(IShell& shell)
     shell.Menus().DeclareMenu(menuId, Tr("Con&vert Line Endings"), {QString::fromLatin1(MenuGroup::Default)},
                               QString::fromLatin1(MenuId::Edit), QString::fromLatin1(MenuGroup::EditSubMenus));
     for (const Mode& mode : modes) {
-        CommandSpec spec;
-        spec.id = mode.id;
-        spec.text = Tr(mode.text);
-        spec.category = Tr("Edit");
-        spec.checkable = true;
+        CommandInfo cmd;
+        cmd.id = mode.id;
+        cmd.text = Tr(mode.text);
+        cmd.category = Tr("Edit");
+        cmd.checkable = true;
         const int eol = mode.eol;
-        spec.run = [&shell, eol] {
+        cmd.run = [&shell, eol] {
             if (CScrivelDoc* document = ActiveText(shell); document && !document->ReadOnly)
                 document->ConvertLineEndings(eol);
         };
-        spec.update = [&shell, eol](CCmdUI& ui) {
+        cmd.update = [&shell, eol](CCmdUI& ui) {
             const CScrivelDoc* document = ActiveText(shell);
             ui.handled = true;
             ui.enabled = document && !document->ReadOnly;
             ui.checked = document && document->LineEnding == eol;
         };
-        shell.Commands().Register(spec);
+        shell.Commands().Register(cmd);
         shell.Menus().AddCommand(menuId, QString::fromLatin1(MenuGroup::Default), mode.id);
     }
     new FormatPanes(shell);

@@ -108,16 +108,16 @@ void InstallZoom(IShell& shell)
         {Cmd::ViewZoomReset, QT_TRANSLATE_NOOP("Zoom", "&Reset Zoom"), QKeySequence(QStringLiteral("Ctrl+0")), "zoom-original", 0},
     };
     for (const Command& command : commands) {
-        CommandSpec spec;
-        spec.id = command.id;
-        spec.text = Tr(command.text);
-        spec.category = Tr("View");
-        spec.shortcut = command.shortcut;
-        spec.iconName = QString::fromLatin1(command.icon);
+        CommandInfo cmd;
+        cmd.id = command.id;
+        cmd.text = Tr(command.text);
+        cmd.category = Tr("View");
+        cmd.shortcut = command.shortcut;
+        cmd.iconName = QString::fromLatin1(command.icon);
         const int step = command.step;
-        spec.run = [zoom, step] { zoom->Set(step == 0 ? 0 : zoom->Level() + step); };
-        spec.update = [](CCmdUI& ui) { ui.handled = true; };
-        QAction* action = shell.Commands().Register(spec);
+        cmd.run = [zoom, step] { zoom->Set(step == 0 ? 0 : zoom->Level() + step); };
+        cmd.update = [](CCmdUI& ui) { ui.handled = true; };
+        QAction* action = shell.Commands().Register(cmd);
         // Ctrl++ needs Shift on most keyboards: Ctrl+= zooms in too.
         if (action && command.id == Cmd::ViewZoomIn)
             action->setShortcuts({command.shortcut, QKeySequence(QStringLiteral("Ctrl+="))});

@@ -38,23 +38,23 @@ void RegisterToggles(IShell& shell, CExplorerBar* bar)
         {ExplorerCmd::ViewListExplorer, QT_TRANSLATE_NOOP("Explorer", "List Explorer"), ExplorerPageKind::List},
     };
     for (const Toggle& toggle : toggles) {
-        CommandSpec spec;
-        spec.id = toggle.id;
-        spec.text = Tr(toggle.text);
-        spec.category = Tr("View");
-        spec.checkable = true;
+        CommandInfo cmd;
+        cmd.id = toggle.id;
+        cmd.text = Tr(toggle.text);
+        cmd.category = Tr("View");
+        cmd.checkable = true;
         const int kind = toggle.kind;
-        spec.run = [bar, kind] { bar->TogglePage(kind); };
+        cmd.run = [bar, kind] { bar->TogglePage(kind); };
         // A page whose subsystem is not installed cannot be shown.
-        spec.update = [bar, kind](CCmdUI& ui) {
+        cmd.update = [bar, kind](CCmdUI& ui) {
             ui.enabled = bar->Page(kind) != nullptr;
             ui.checked = bar->IsPageOn(kind) && bar->IsBarVisible();
         };
-        shell.Commands().Register(spec);
+        shell.Commands().Register(cmd);
         shell.Menus().AddCommand(MenuId::View, MenuGroup::ViewBars, toggle.id);
     }
 
-    CommandSpec all;
+    CommandInfo all;
     all.id = ExplorerCmd::ViewExplorerBar;
     all.text = Tr("&Explorer Bar");
     all.category = Tr("View");
@@ -71,18 +71,18 @@ void RegisterWorkspaceCommands(IShell& shell, CExplorerBar* bar, CSolutionBarPro
     auto add = [&shell](int id, const char* text, std::function<void()> run,
                         std::function<void(CCmdUI&)> update, const char* iconName = nullptr,
                         QStyle::StandardPixmap fallback = QStyle::SP_CustomBase) {
-        CommandSpec spec;
-        spec.id = id;
-        spec.text = Tr(text);
-        spec.category = Tr("File");
-        spec.run = std::move(run);
-        spec.update = std::move(update);
+        CommandInfo cmd;
+        cmd.id = id;
+        cmd.text = Tr(text);
+        cmd.category = Tr("File");
+        cmd.run = std::move(run);
+        cmd.update = std::move(update);
         if (iconName)
-            spec.iconName = QString::fromLatin1(iconName);
+            cmd.iconName = QString::fromLatin1(iconName);
         if (fallback != QStyle::SP_CustomBase)
             // The theme's icon where the desktop has one, else the style's.
-            spec.icon = QIcon::fromTheme(spec.iconName, QApplication::style()->standardIcon(fallback));
-        shell.Commands().Register(spec);
+            cmd.icon = QIcon::fromTheme(cmd.iconName, QApplication::style()->standardIcon(fallback));
+        shell.Commands().Register(cmd);
     };
     auto whenOpen = [workspace](CCmdUI& ui) { ui.enabled = workspace->IsWorkspaceOpen(); };
     // On the bar's strip they also wait for a page of the kinds that has tools.

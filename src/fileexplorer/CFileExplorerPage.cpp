@@ -71,7 +71,7 @@ CFileExplorerPage* InstallFileExplorer(IShell& shell)
     auto* page = new CFileExplorerPage(shell);
     page->SetShowHidden(CRegistryStore().GetProfileInt(SettingsSection, ShowHiddenValue, 0) != 0);
 
-    CommandSpec refresh;
+    CommandInfo refresh;
     refresh.id = Cmd::RefreshFileSystemView;
     refresh.text = QObject::tr("Refresh File System View");
     refresh.category = QObject::tr("View");
@@ -82,7 +82,7 @@ CFileExplorerPage* InstallFileExplorer(IShell& shell)
     };
     shell.Commands().Register(refresh);
 
-    CommandSpec hidden;
+    CommandInfo hidden;
     hidden.id = Cmd::FileExplorerShowHidden;
     hidden.text = QObject::tr("Show &Hidden Files");
     hidden.category = QObject::tr("View");

@@ -91,13 +91,13 @@ void InstallHelp(IShell& shell)
                    const char* group = MenuGroup::HelpContents) {
         if (shell.Commands().Contains(id))
             return;
-        CommandSpec spec;
-        spec.id = id;
-        spec.text = QCoreApplication::translate("Help", text);
-        spec.category = category;
-        spec.iconName = QString::fromLatin1(icon);
-        spec.run = std::move(run);
-        shell.Commands().Register(spec);
+        CommandInfo cmd;
+        cmd.id = id;
+        cmd.text = QCoreApplication::translate("Help", text);
+        cmd.category = category;
+        cmd.iconName = QString::fromLatin1(icon);
+        cmd.run = std::move(run);
+        shell.Commands().Register(cmd);
         if (inMenu)
             shell.Menus().AddCommand(MenuId::Help, QString::fromLatin1(group), id);
     };

@@ -221,16 +221,16 @@ void InstallPrinting(IShell& shell)
     const QString category = QCoreApplication::translate("Printing", "File");
     auto add = [&](int id, const char* text, const QKeySequence& key, const char* icon,
                    std::function<void()> run, bool needsText) {
-        CommandSpec spec;
-        spec.id = id;
-        spec.text = QCoreApplication::translate("Printing", text);
-        spec.category = category;
-        spec.shortcut = key;
-        spec.iconName = QString::fromLatin1(icon);
-        spec.run = std::move(run);
+        CommandInfo cmd;
+        cmd.id = id;
+        cmd.text = QCoreApplication::translate("Printing", text);
+        cmd.category = category;
+        cmd.shortcut = key;
+        cmd.iconName = QString::fromLatin1(icon);
+        cmd.run = std::move(run);
         if (needsText)
-            spec.update = textOnly;
-        shell.Commands().Register(spec);
+            cmd.update = textOnly;
+        shell.Commands().Register(cmd);
         shell.Menus().AddCommand(MenuId::File, MenuGroup::FilePrint, id);
     };
     add(Cmd::FilePageSetup, "Page Set&up...", {}, "document-page-setup", [commands] { commands->OnPageSetup(); }, false);

@@ -25,17 +25,17 @@ void InstallProperties(IShell& shell)
     shell.AddPropertyPage(PropertyPageOrder::GeneralMore,
                           [s](QWidget* parent) { return new CPageGeneralMore(*s, parent); });
 
-    CommandSpec spec;
-    spec.id = Cmd::DocumentProperties;
-    spec.text = QCoreApplication::translate("Properties", "Document &Properties...");
-    spec.category = QCoreApplication::translate("Properties", "Tools");
-    spec.iconName = QStringLiteral("document-properties");
-    spec.run = [s] {
+    CommandInfo cmd;
+    cmd.id = Cmd::DocumentProperties;
+    cmd.text = QCoreApplication::translate("Properties", "Document &Properties...");
+    cmd.category = QCoreApplication::translate("Properties", "Tools");
+    cmd.iconName = QStringLiteral("document-properties");
+    cmd.run = [s] {
         CPropertiesSheet sheet(s->PropertyPages(), s->Window());
         QObject::connect(&sheet, &CPropertiesSheet::helpRequested, &sheet,
                          [s] { s->Commands().Execute(Cmd::HelpContext); });
         sheet.exec();
     };
-    shell.Commands().Register(spec);
+    shell.Commands().Register(cmd);
     shell.Menus().AddCommand(MenuId::Tools, MenuGroup::ToolsOptions, Cmd::DocumentProperties);
 }

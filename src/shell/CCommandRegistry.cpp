@@ -18,55 +18,55 @@ CCommandRegistry::CCommandRegistry(QWidget* actionParent)
 
 CCommandRegistry::~CCommandRegistry() = default;
 
-QAction* CCommandRegistry::Register(const CommandSpec& spec)
+QAction* CCommandRegistry::Register(const CommandInfo& cmd)
 {
-    if (const auto it = m_commands.find(spec.id); it != m_commands.end() && it->spec.placeholder)
-        return TakeOverPlaceholder(*it, spec);
-    if (spec.id == 0 || m_commands.contains(spec.id)) {
-        qWarning("Command %d is registered twice", spec.id);
+    if (const auto it = m_commands.find(cmd.id); it != m_commands.end() && it->cmd.placeholder)
+        return TakeOverPlaceholder(*it, cmd);
+    if (cmd.id == 0 || m_commands.contains(cmd.id)) {
+        qWarning("Command %d is registered twice", cmd.id);
         return nullptr;
     }
-    auto* action = new QAction(spec.text, m_actionParent);
-    action->setData(spec.id);
-    action->setCheckable(spec.checkable);
-    if (!spec.toolTip.isEmpty())
-        action->setToolTip(spec.toolTip);
-    QIcon icon = spec.icon;
-    if (icon.isNull() && !spec.iconName.isEmpty())
-        icon = QIcon::fromTheme(spec.iconName);
+    auto* action = new QAction(cmd.text, m_actionParent);
+    action->setData(cmd.id);
+    action->setCheckable(cmd.checkable);
+    if (!cmd.toolTip.isEmpty())
+        action->setToolTip(cmd.toolTip);
+    QIcon icon = cmd.icon;
+    if (icon.isNull() && !cmd.iconName.isEmpty())
+        icon = QIcon::fromTheme(cmd.iconName);
     if (!icon.isNull())
         action->setIcon(icon);
-    action->setShortcut(spec.shortcut);
+    action->setShortcut(cmd.shortcut);
     // Shortcuts must work wherever focus is inside the window, so the action lives on it.
     if (m_actionParent)
         m_actionParent->addAction(action);
-    const int id = spec.id;
+    const int id = cmd.id;
     connect(action, &QAction::triggered, this, [this, id] { Execute(id); });
-    m_commands.insert(id, Entry{spec, action});
+    m_commands.insert(id, Entry{cmd, action});
     m_order << id;
     Q_EMIT commandRegistered(id);
     RequestUpdate();
     return action;
 }
 
-QAction* CCommandRegistry::TakeOverPlaceholder(Entry& entry, const CommandSpec& spec)
+QAction* CCommandRegistry::TakeOverPlaceholder(Entry& entry, const CommandInfo& cmd)
 {
     // The action stays, so that it keeps its places in the menus and toolbars.
     QAction* action = entry.action.data();
-    entry.spec = spec;
+    entry.cmd = cmd;
     if (action) {
-        action->setText(spec.text);
-        action->setCheckable(spec.checkable);
-        if (!spec.toolTip.isEmpty())
-            action->setToolTip(spec.toolTip);
-        QIcon icon = spec.icon;
-        if (icon.isNull() && !spec.iconName.isEmpty())
-            icon = QIcon::fromTheme(spec.iconName);
+        action->setText(cmd.text);
+        action->setCheckable(cmd.checkable);
+        if (!cmd.toolTip.isEmpty())
+            action->setToolTip(cmd.toolTip);
+        QIcon icon = cmd.icon;
+        if (icon.isNull() && !cmd.iconName.isEmpty())
+            icon = QIcon::fromTheme(cmd.iconName);
         if (!icon.isNull())
             action->setIcon(icon);
-        action->setShortcut(spec.shortcut);
+        action->setShortcut(cmd.shortcut);
     }
-    Q_EMIT commandRegistered(spec.id);
+    Q_EMIT commandRegistered(cmd.id);
     RequestUpdate();
     return action;
 }
@@ -88,18 +88,18 @@ QAction* CCommandRegistry::Action(int id) const
     return it == m_commands.cend() ? nullptr : it->action.data();
 }
 
-const CommandSpec* CCommandRegistry::Spec(int id) const
+const CommandInfo* CCommandRegistry::Info(int id) const
 {
     const auto it = m_commands.constFind(id);
-    return it == m_commands.cend() ? nullptr : &it->spec;
+    return it == m_commands.cend() ? nullptr : &it->cmd;
 }
 
 QString CCommandRegistry::PlainText(int id) const
 {
-    const CommandSpec* spec = Spec(id);
-    if (!spec)
+    const CommandInfo* cmd = Info(id);
+    if (!cmd)
         return {};
-    QString text = spec->text.section(QLatin1Char('\t'), 0, 0);
+    QString text = cmd->text.section(QLatin1Char('\t'), 0, 0);
     // "&&" is a literal ampersand; a single one marks the mnemonic.
     text.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
     text.remove(QLatin1Char('&'));
@@ -109,8 +109,8 @@ QString CCommandRegistry::PlainText(int id) const
 
 QKeySequence CCommandRegistry::DefaultShortcut(int id) const
 {
-    const CommandSpec* spec = Spec(id);
-    return spec ? spec->shortcut : QKeySequence();
+    const CommandInfo* cmd = Info(id);
+    return cmd ? cmd->shortcut : QKeySequence();
 }
 
 QKeySequence CCommandRegistry::Shortcut(int id) const
@@ -180,7 +180,7 @@ void CCommandRegistry::Execute(int id)
     CChildFrame* child = m_activeChild ? m_activeChild() : nullptr;
     if (!(child && child->OnCmdMsg(id))) {
         // Copy: the handler may unregister its own command.
-        if (const auto run = it->spec.run)
+        if (const auto run = it->cmd.run)
             run();
     }
     Q_EMIT executed(id);
@@ -198,9 +198,9 @@ CCmdUI CCommandRegistry::State(int id) const
     if (CChildFrame* child = m_activeChild ? m_activeChild() : nullptr)
         child->OnUpdateCmdUI(id, ui);
     if (!ui.handled) {
-        if (it->spec.update)
-            it->spec.update(ui);
-        else if (!it->spec.run)
+        if (it->cmd.update)
+            it->cmd.update(ui);
+        else if (!it->cmd.run)
             ui.enabled = false; // nobody carries it out now
     }
     return ui;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/CommandSpec.h"
+#include "shell/CommandInfo.h"
 
 #include <QHash>
 #include <QList>
@@ -26,13 +26,13 @@ public:
     // Registers a command; an id registered twice is a programming error: the first
     // registration stays and null is returned. A placeholder is the exception: the real
     // command takes over its action and places.
-    QAction* Register(const CommandSpec& spec);
+    QAction* Register(const CommandInfo& cmd);
     // Removes a command whose subsystem withdraws it (a deleted user tool).
     void Unregister(int id);
 
     QAction* Action(int id) const;
     bool Contains(int id) const { return m_commands.contains(id); }
-    const CommandSpec* Spec(int id) const;
+    const CommandInfo* Info(int id) const;
     // Ids in the order they were registered.
     const QList<int>& Ids() const { return m_order; }
     // The menu text without its mnemonic and accelerator ("Save As...").
@@ -70,10 +70,10 @@ Q_SIGNALS:
 private:
     struct Entry
     {
-        CommandSpec spec;
+        CommandInfo cmd;
         QPointer<QAction> action;
     };
-    QAction* TakeOverPlaceholder(Entry& entry, const CommandSpec& spec);
+    QAction* TakeOverPlaceholder(Entry& entry, const CommandInfo& cmd);
 
     QWidget* m_actionParent;
     QHash<int, Entry> m_commands;

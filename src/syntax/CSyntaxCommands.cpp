@@ -20,12 +20,12 @@ CSyntaxCommands::CSyntaxCommands(IShell& shell)
         return;
     const QStringList names = m_parsers.MenuNames();
     m_actions = ViewAsMenu::Fill(menu, names, [this, &names](int id, const QString& text) {
-        CommandSpec spec;
-        spec.id = id;
-        spec.text = text;
-        spec.category = tr("View");
-        spec.checkable = id != Cmd::ViewAsMore && !names.isEmpty();
-        return m_shell.Commands().Register(spec);
+        CommandInfo cmd;
+        cmd.id = id;
+        cmd.text = text;
+        cmd.category = tr("View");
+        cmd.checkable = id != Cmd::ViewAsMore && !names.isEmpty();
+        return m_shell.Commands().Register(cmd);
     });
     menu->menuAction()->setVisible(true);
 }

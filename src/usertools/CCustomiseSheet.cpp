@@ -267,9 +267,9 @@ void CCustomiseSheet::FillAvailable()
     CCommandRegistry& commands = m_shell.Commands();
     m_available->clear();
     for (const int id : commands.Ids()) {
-        const CommandSpec* spec = commands.Spec(id);
+        const CommandInfo* cmd = commands.Info(id);
         const QString name = commands.PlainText(id);
-        const QString text = spec && !spec->category.isEmpty() ? spec->category + QStringLiteral(": ") + name : name;
+        const QString text = cmd && !cmd->category.isEmpty() ? cmd->category + QStringLiteral(": ") + name : name;
         if (!needle.isEmpty() && !text.contains(needle, Qt::CaseInsensitive))
             continue;
         auto* item = new QListWidgetItem(text, m_available);

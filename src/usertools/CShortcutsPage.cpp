@@ -81,10 +81,10 @@ void CShortcutsPage::Refill()
     m_tree->clear();
     QHash<QString, QTreeWidgetItem*> categories;
     for (const int id : m_commands.Ids()) {
-        const CommandSpec* spec = m_commands.Spec(id);
-        if (!spec)
+        const CommandInfo* cmd = m_commands.Info(id);
+        if (!cmd)
             continue;
-        const QString category = spec->category.isEmpty() ? tr("Other") : spec->category;
+        const QString category = cmd->category.isEmpty() ? tr("Other") : cmd->category;
         QTreeWidgetItem*& parent = categories[category];
         if (!parent) {
             parent = new QTreeWidgetItem(m_tree, {category});

@@ -198,10 +198,10 @@ void CToolBarCustomiser::UpdateToolTips()
     CCommandRegistry& commands = m_shell.Commands();
     for (const int id : commands.Ids()) {
         QAction* action = commands.Action(id);
-        const CommandSpec* spec = commands.Spec(id);
-        if (!action || !spec)
+        const CommandInfo* cmd = commands.Info(id);
+        if (!action || !cmd)
             continue;
-        QString tip = spec->toolTip.isEmpty() ? commands.PlainText(id) : spec->toolTip;
+        QString tip = cmd->toolTip.isEmpty() ? commands.PlainText(id) : cmd->toolTip;
         if (tip.endsWith(QStringLiteral("...")))
             tip.chop(3);
         const QKeySequence key = action->shortcut();

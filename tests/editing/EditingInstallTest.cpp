@@ -33,7 +33,7 @@ TEST_F(EditingInstallTest, LineCommandsHaveTheirKeysAndSitInEditLines)
         {Cmd::EditDuplicate, "Ctrl+D"}, {Cmd::EditJoinLines, "Ctrl+J"}};
     for (const auto& e : expected) {
         EXPECT_EQ(commands.CommandForShortcut(QKeySequence(QString::fromLatin1(e.key))), e.id) << e.key;
-        EXPECT_EQ(commands.Spec(e.id)->category, QStringLiteral("Edit"));
+        EXPECT_EQ(commands.Info(e.id)->category, QStringLiteral("Edit"));
     }
     const QList<QAction*> lines = m_shell.Menus().Menu(MenuId::EditLines)->actions();
     for (const int id : {int(Cmd::EditMoveLinesUp), int(Cmd::EditSortUnique), int(Cmd::EditJoinLines)})

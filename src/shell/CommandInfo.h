@@ -10,7 +10,7 @@
 // One command as the subsystem that carries it out registers it. The text keeps its
 // mnemonic ("&Save"); the shortcut given here is the default, which the user's own
 // keys (the "Shortcuts" settings section) may override.
-struct CommandSpec
+struct CommandInfo
 {
     int id = 0;
     QString text;
