@@ -80,8 +80,9 @@ public:
         m_window->setParent(owner, m_window->windowFlags() | Qt::Window);
         m_owner = owner != m_shell.Window() ? owner : nullptr;
         if (visible) {
-            m_window->setGeometry(geometry);
+            // Placed again once shown: the window manager places a new window itself.
             m_window->show();
+            m_window->setGeometry(geometry);
         }
     }
 
