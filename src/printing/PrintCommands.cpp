@@ -187,8 +187,12 @@ public:
         suggestion = suggestion.isEmpty() ? (document ? document->GetTitle() : QString()) + QStringLiteral(".pdf")
                                           : QFileInfo(suggestion).path() + QLatin1Char('/')
                                                 + QFileInfo(suggestion).completeBaseName() + QStringLiteral(".pdf");
-        const QString path = QFileDialog::getSaveFileName(m_shell.Window(), tr("Export as PDF"), suggestion,
-                                                          tr("PDF Files (*.pdf)"));
+        QFileDialog chooser(m_shell.Window(), tr("Export as PDF"), suggestion, tr("PDF Files (*.pdf)"));
+        chooser.setAcceptMode(QFileDialog::AcceptSave);
+        chooser.setProperty("helpPage", QStringLiteral("printing.html#pdf"));
+        if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty())
+            return;
+        const QString path = chooser.selectedFiles().constFirst();
         if (path.isEmpty())
             return;
         CMFCScintilla* editor = frame->GetView()->GetEditor();
