@@ -82,9 +82,10 @@ bool CMainFrame::Create()
     m_commands->SetActiveChildProvider([this] { return ActiveChild(); });
     m_menus = new CMenuPlaces(this, *m_commands);
     DeclareStandardPlaces(*m_menus);
-    // The size is read once: a change takes effect at the next start.
-    const int iconSize = m_settings.view.LargeTBIcons ? 24 : 16;
-    m_menus->ToolBar(ToolBarId::Standard)->setIconSize(QSize(iconSize, iconSize));
+    ApplyViewSettings();
+    // The properties sheet and the view toggles announce their changes; the window
+    // follows at once, as the views do.
+    connect(m_events, &CShellEvents::viewSettingsChanged, this, &CMainFrame::ApplyViewSettings);
     // Icons the desktop's theme lacks are drawn.
     connect(m_commands, &CCommandRegistry::commandRegistered, this, &CMainFrame::ApplyFallbackIcon);
 
@@ -295,6 +296,16 @@ QList<PropertyPageFactory> CMainFrame::PropertyPages() const
     for (const auto& [order, factory] : m_propertyPages)
         pages << factory;
     return pages;
+}
+
+void CMainFrame::ApplyViewSettings()
+{
+    const int iconSize = m_settings.view.LargeTBIcons ? 24 : 16;
+    for (const QString& id : m_menus->ToolBarIds()) {
+        if (QToolBar* bar = m_menus->ToolBar(id))
+            bar->setIconSize(QSize(iconSize, iconSize));
+    }
+    RequestCommandUpdate();
 }
 
 void CMainFrame::AddModelessWindow(QWidget* window)

@@ -104,6 +104,7 @@ private:
 
     void CreateStatusBar();
     void ApplyFallbackIcon(int id);
+    void ApplyViewSettings();
     void OnSubWindowActivated(QMdiSubWindow* window);
     void UpdateTitle();
     void UpdateIndicators();

@@ -38,6 +38,9 @@ public:
     void Show(CHelpWindow::Tab tab, const QString& page = QString())
     {
         CHelpWindow* window = Window();
+        QWidget* modal = QApplication::activeModalWidget();
+        AttachTo(modal && modal != window ? modal : m_shell.Window());
+        m_open = true;
         window->ShowTab(tab);
         // Shown first: a hidden browser has no layout to scroll to an anchor in.
         window->show();
@@ -65,9 +68,36 @@ public:
                                .arg(QCoreApplication::applicationVersion(), QString::fromLatin1(qVersion())));
     }
 
+    // A modal dialog blocks every window but its own: help opened from it becomes the
+    // dialog's window, in front of it and taking input, and goes back to the main window
+    // when the dialog closes, staying open if it was.
+    void AttachTo(QWidget* owner)
+    {
+        if (!m_window || m_window->parentWidget() == owner)
+            return;
+        const bool visible = m_window->isVisible();
+        const QRect geometry = m_window->geometry();
+        m_window->setParent(owner, m_window->windowFlags() | Qt::Window);
+        m_owner = owner != m_shell.Window() ? owner : nullptr;
+        if (visible) {
+            // Placed again once shown: the window manager places a new window itself.
+            m_window->show();
+            m_window->setGeometry(geometry);
+        }
+    }
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
+        if (watched == m_owner && m_owner && m_window
+            && (event->type() == QEvent::Hide || event->type() == QEvent::DeferredDelete)) {
+            AttachTo(m_shell.Window());
+            if (m_open && !m_window->isVisible())
+                m_window->show();
+            return false;
+        }
+        if (watched == m_window && event->type() == QEvent::Close)
+            m_open = false;
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1
             && static_cast<QKeyEvent*>(event)->modifiers() == Qt::NoModifier && watched->isWidgetType()) {
             ShowContext();
@@ -79,6 +109,8 @@ protected:
 private:
     IShell& m_shell;
     QPointer<CHelpWindow> m_window;
+    QPointer<QWidget> m_owner; // the modal dialog help is lent to, if any
+    bool m_open = false;
 };
 
 } // namespace

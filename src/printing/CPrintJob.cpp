@@ -6,6 +6,10 @@
 #include <QPaintDevice>
 #include <QPrinter>
 
+#include <QSet>
+
+#include <algorithm>
+#include <array>
 #include <climits>
 
 CPrintJob::CPrintJob(QsciScintillaBase& editor, const PrintOptions& options,
@@ -84,9 +88,10 @@ bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress, boo
         m_pageStarts = {start};
         return true;
     }
+    FindPlainLines(painter);
     bool cancelled = false;
     m_pageStarts = PrintLayout::Paginate(
-        start, end, [&](long position) { return FormatPage(painter, position, false); },
+        start, end, [&](long position) { return NextPageStart(painter, position); },
         [&](long reached) {
             if (progress && !progress(0, reached - start, end - start))
                 cancelled = true;
@@ -99,6 +104,109 @@ long CPrintJob::FormatPage(QPainter& painter, long start, bool draw) const
 {
     return m_editor.SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, draw ? 1UL : 0UL, &painter,
                                   m_rects.text, start, m_rangeEnd);
+}
+
+void CPrintJob::FindPlainLines(QPainter& painter)
+{
+    using Sci = QsciScintillaBase;
+    m_plainPageLines = 0;
+    m_wideBefore.clear();
+    if (!m_countPlainPages)
+        return;
+    m_firstLine = m_editor.SendScintilla(Sci::SCI_LINEFROMPOSITION, qMin(m_rangeStart, m_rangeEnd));
+    m_lastLine = m_editor.SendScintilla(Sci::SCI_LINEFROMPOSITION, m_rangeEnd);
+    const long lines = m_lastLine - m_firstLine + 1;
+    m_wideBefore.assign(size_t(lines + 1), 0);
+    if (m_editor.SendScintilla(Sci::SCI_GETPRINTWRAPMODE) == Sci::SC_WRAP_NONE)
+        return;
+
+    // The widest each printable ASCII character can be in any style's font, bold or
+    // not, upright or italic, on this device: a line whose sum stays well inside the
+    // width cannot wrap, whatever its styles.
+    std::array<double, 128> widest{};
+    QSet<QString> measured;
+    QByteArray face;
+    for (int style = 0; style <= Sci::STYLE_MAX; ++style) {
+        const long faceLength = m_editor.SendScintilla(Sci::SCI_STYLEGETFONT, ulong(style), static_cast<void*>(nullptr));
+        face.resize(int(qMax(0L, faceLength)) + 1);
+        m_editor.SendScintilla(Sci::SCI_STYLEGETFONT, ulong(style), static_cast<void*>(face.data()));
+        face.truncate(int(qMax(0L, faceLength)));
+        const double size = qMax(2.0, m_editor.SendScintilla(Sci::SCI_STYLEGETSIZEFRACTIONAL, ulong(style)) / 100.0);
+        const int weight = int(m_editor.SendScintilla(Sci::SCI_STYLEGETWEIGHT, ulong(style)));
+        const QString key = QStringLiteral("%1|%2|%3").arg(QString::fromUtf8(face)).arg(size).arg(weight);
+        if (measured.contains(key))
+            continue;
+        measured.insert(key);
+        for (const int w : {qBound(100, weight, 900), qBound(700, weight, 900)}) {
+            for (const bool italic : {false, true}) {
+                QFont font(QString::fromUtf8(face));
+                font.setPointSizeF(size);
+                font.setWeight(QFont::Weight(w));
+                font.setItalic(italic);
+                const QFontMetricsF metrics(font, painter.device());
+                for (int c = 0x20; c < 0x7f; ++c)
+                    widest[c] = qMax(widest[c], metrics.horizontalAdvance(QChar(c)));
+            }
+        }
+    }
+    const double widestChar = *std::max_element(widest.begin(), widest.end());
+    const long tabChars = qMax(1L, m_editor.SendScintilla(Sci::SCI_GETTABWIDTH));
+    const double tab = 2.0 * (tabChars + 1) * widestChar;
+    const double room = m_rects.text.width() - (m_options.lineNumbers ? 8 * widestChar : 0.0)
+                        - m_editor.SendScintilla(Sci::SCI_GETMARGINLEFT)
+                        - m_editor.SendScintilla(Sci::SCI_GETMARGINRIGHT) - 2 * widestChar;
+
+    const auto* text = reinterpret_cast<const unsigned char*>(
+        m_editor.SendScintillaPtrResult(Sci::SCI_GETCHARACTERPOINTER));
+    for (long i = 0; i < lines; ++i) {
+        const long from = m_editor.SendScintilla(Sci::SCI_POSITIONFROMLINE, m_firstLine + i);
+        const long to = m_editor.SendScintilla(Sci::SCI_GETLINEENDPOSITION, m_firstLine + i);
+        double width = 0;
+        bool plain = text != nullptr;
+        for (long p = from; plain && p < to; ++p) {
+            const unsigned char c = text[p];
+            if (c == '\t')
+                width += tab;
+            else if (c >= 0x20 && c < 0x7f)
+                width += widest[c];
+            else
+                plain = false; // control characters and wider scripts: let the control measure
+        }
+        plain = plain && width * 1.1 < room;
+        m_wideBefore[size_t(i + 1)] = m_wideBefore[size_t(i)] + (plain ? 0 : 1);
+    }
+}
+
+bool CPrintJob::AllPlain(long first, long last) const
+{
+    if (m_wideBefore.empty() || first < m_firstLine || last > m_lastLine || first > last)
+        return false;
+    return m_wideBefore[size_t(last - m_firstLine + 1)] == m_wideBefore[size_t(first - m_firstLine)];
+}
+
+long CPrintJob::NextPageStart(QPainter& painter, long start)
+{
+    using Sci = QsciScintillaBase;
+    const long line = m_editor.SendScintilla(Sci::SCI_LINEFROMPOSITION, start);
+    const bool atLineStart = m_editor.SendScintilla(Sci::SCI_POSITIONFROMLINE, line) == start;
+    if (atLineStart && m_plainPageLines > 0) {
+        const long last = qMin(line + m_plainPageLines - 1, m_lastLine);
+        if (AllPlain(line, last)) {
+            const long lineCount = m_editor.SendScintilla(Sci::SCI_GETLINECOUNT);
+            return last + 1 < lineCount ? m_editor.SendScintilla(Sci::SCI_POSITIONFROMLINE, last + 1)
+                                        : m_editor.SendScintilla(Sci::SCI_GETLENGTH);
+        }
+    }
+    const long next = FormatPage(painter, start, false);
+    // A page of lines that each take one printed line, ended at a line start before the
+    // last line, is full: it tells how many lines every such page holds.
+    if (atLineStart && m_plainPageLines == 0 && next > start && next < m_rangeEnd) {
+        const long nextLine = m_editor.SendScintilla(Sci::SCI_LINEFROMPOSITION, next);
+        if (nextLine <= m_lastLine && m_editor.SendScintilla(Sci::SCI_POSITIONFROMLINE, nextLine) == next
+            && AllPlain(line, nextLine - 1))
+            m_plainPageLines = nextLine - line;
+    }
+    return next;
 }
 
 long CPrintJob::PrintPage(QPainter& painter, int page)

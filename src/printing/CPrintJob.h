@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <vector>
 
 class QPainter;
 class QPrinter;
@@ -65,8 +66,15 @@ public:
     // The footer text of a page.
     static QString PageText(int page);
 
+    // Off: every page is laid out by the control, however plain its lines (for checking
+    // that counting lines gives the same pages).
+    void SetCountPlainPages(bool on) { m_countPlainPages = on; }
+
 private:
     long FormatPage(QPainter& painter, long start, bool draw) const;
+    long NextPageStart(QPainter& painter, long start);
+    void FindPlainLines(QPainter& painter);
+    bool AllPlain(long first, long last) const;
     void ComputeRects(QPainter& painter);
 
     QsciScintillaBase& m_editor;
@@ -81,4 +89,12 @@ private:
     QList<long> m_pageStarts;
     int m_savedMarginWidth = -1;
     int m_savedMarginType = 0;
+
+    // Pages whose lines all surely fit the width on one printed line each hold the
+    // same number of lines; those are counted instead of laid out.
+    bool m_countPlainPages = true;
+    long m_firstLine = 0;
+    long m_lastLine = -1;
+    long m_plainPageLines = 0;
+    std::vector<int> m_wideBefore; // per line from m_firstLine: lines before it that may wrap
 };

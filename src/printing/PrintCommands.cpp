@@ -187,8 +187,12 @@ public:
         suggestion = suggestion.isEmpty() ? (document ? document->GetTitle() : QString()) + QStringLiteral(".pdf")
                                           : QFileInfo(suggestion).path() + QLatin1Char('/')
                                                 + QFileInfo(suggestion).completeBaseName() + QStringLiteral(".pdf");
-        const QString path = QFileDialog::getSaveFileName(m_shell.Window(), tr("Export as PDF"), suggestion,
-                                                          tr("PDF Files (*.pdf)"));
+        QFileDialog chooser(m_shell.Window(), tr("Export as PDF"), suggestion, tr("PDF Files (*.pdf)"));
+        chooser.setAcceptMode(QFileDialog::AcceptSave);
+        chooser.setProperty("helpPage", QStringLiteral("printing.html#pdf"));
+        if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty())
+            return;
+        const QString path = chooser.selectedFiles().constFirst();
         if (path.isEmpty())
             return;
         CMFCScintilla* editor = frame->GetView()->GetEditor();
@@ -237,6 +241,6 @@ void InstallPrinting(IShell& shell)
     add(Cmd::FilePrintPreview, "Print Pre&view", {}, "document-print-preview", [commands] { commands->OnPrintPreview(); }, true);
     add(Cmd::FilePrint, "&Print...", QKeySequence::Print, "document-print", [commands] { commands->OnFilePrint(false); }, true);
     add(Cmd::FilePrintDirect, "Print &Direct", {}, "document-print", [commands] { commands->OnFilePrint(true); }, true);
-    add(Cmd::FileExportPdf, "&Export as PDF...", {}, "application-pdf", [commands] { commands->OnExportPdf(); }, true);
+    add(Cmd::FileExportPdf, "Expor&t as PDF...", {}, "application-pdf", [commands] { commands->OnExportPdf(); }, true);
     shell.Menus().AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Print, Cmd::FilePrint);
 }

@@ -21,7 +21,7 @@ CPageGeneralMore::CPageGeneralMore(IShell& shell, QWidget* parent)
     auto* editing = new QGroupBox(tr("Editing"), this);
     auto* editingLayout = new QVBoxLayout(editing);
     m_resetUndo = AddCheck(tr("Empty the &undo history after saving"), "ResetUndoOnSave");
-    m_largeIcons = AddCheck(tr("&Large toolbar icons (from the next start)"), "LargeTBIcons");
+    m_largeIcons = AddCheck(tr("&Large toolbar icons"), "LargeTBIcons");
     m_reuseWindows = AddCheck(tr("A tool's output &reuses its window"), "ReuseWindows");
     editingLayout->addWidget(m_resetUndo);
     editingLayout->addWidget(m_largeIcons);

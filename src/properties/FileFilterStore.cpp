@@ -6,10 +6,15 @@
 #include <QMap>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace FileFilterStore {
 
 namespace {
 const QString kSection = QStringLiteral("FileFilter");
+// Machine filters the user deleted: ordinary users cannot remove them from the machine
+// scope, so they are hidden for this user instead.
+const QString kHidden = QStringLiteral("FileFilterHidden");
 
 void ReadInto(const CRegistryStore& store, QMap<QString, QString>& filters)
 {
@@ -51,6 +56,10 @@ QList<Filter> Load()
         user.WriteProfileInt(QStringLiteral("Settings"), QStringLiteral("FileFiltersSeeded"), 1);
         ReadInto(user, own);
     }
+    QMap<QString, int> hidden;
+    user.EnumValues(kHidden, hidden);
+    for (auto it = hidden.cbegin(); it != hidden.cend(); ++it)
+        byPattern.remove(it.key());
     for (auto it = own.cbegin(); it != own.cend(); ++it)
         byPattern.insert(it.key(), it.value());
     QList<Filter> filters;
@@ -64,7 +73,16 @@ bool Save(const QList<Filter>& filters)
     QList<QPair<QString, QVariant>> values;
     for (const Filter& filter : filters)
         values.append({filter.extension, filter.label});
-    return CRegistryStore().ReplaceSection(kSection, values);
+    QMap<QString, QString> machine;
+    ReadInto(CRegistryStore(CRegistryStore::LocalMachine), machine);
+    QList<QPair<QString, QVariant>> hidden;
+    for (auto it = machine.cbegin(); it != machine.cend(); ++it) {
+        if (std::none_of(filters.cbegin(), filters.cend(),
+                         [&](const Filter& filter) { return filter.extension == it.key(); }))
+            hidden.append({it.key(), 1});
+    }
+    CRegistryStore user;
+    return user.ReplaceSection(kSection, values) && user.ReplaceSection(kHidden, hidden);
 }
 
 QString FilterString(const QList<Filter>& filters)

@@ -20,7 +20,9 @@ struct Filter
 // order. At the first start, with neither present, the user's section is seeded with
 // common languages.
 QList<Filter> Load();
-// Makes the user's section hold exactly `filters`. False when the store refused.
+// Makes the list this user sees exactly `filters`: the user's section holds them, and
+// machine filters left out are hidden for this user (the machine scope is not the
+// user's to change). False when the store refused.
 bool Save(const QList<Filter>& filters);
 
 // What a first start writes.

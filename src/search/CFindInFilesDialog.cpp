@@ -1,5 +1,7 @@
 #include "CFindInFilesDialog.h"
 
+#include "properties/FileFilterStore.h"
+
 #include "CHistoryComboBox.h"
 #include "SearchQuery.h"
 #include "settings/CRegistryStore.h"
@@ -109,16 +111,13 @@ CFindInFilesDialog::CFindInFilesDialog(const QString& initialText, const QString
 
 void CFindInFilesDialog::loadFilters()
 {
-    CRegistryStore machine(CRegistryStore::LocalMachine);
-    QMap<QString, int> values;
-    machine.EnumValues(QStringLiteral("FileFilter"), values);
-    for (auto it = values.cbegin(); it != values.cend(); ++it) {
-        const QString pattern = it.key();
-        const QString label = machine.GetProfileString(QStringLiteral("FileFilter"), pattern);
-        if (pattern.isEmpty())
+    // The same list the open and save dialogs offer: the machine's filters and the user's.
+    for (const FileFilterStore::Filter& filter : FileFilterStore::Load()) {
+        if (filter.extension.isEmpty())
             continue;
-        const QString text = label.isEmpty() ? pattern : QStringLiteral("%1 (%2)").arg(label, pattern);
-        m_types->addFixedItem(text, pattern);
+        const QString text = filter.label.isEmpty() ? filter.extension
+                                                    : QStringLiteral("%1 (%2)").arg(filter.label, filter.extension);
+        m_types->addFixedItem(text, filter.extension);
     }
 }
 

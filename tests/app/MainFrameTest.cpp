@@ -1,9 +1,13 @@
 #include "MainFrameFixture.h"
 
+#include "properties/CPageGeneral.h"
+#include "shell/CMenuPlaces.h"
+#include "properties/CPageGeneralMore.h"
 #include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
 #include "shell/CShellEvents.h"
 
+#include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
 #include <QMap>
@@ -11,6 +15,8 @@
 #include <QPointer>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QSpinBox>
+#include <QToolBar>
 
 namespace {
 
@@ -304,3 +310,46 @@ TEST_F(MainFrameTest, TheCloseOrderRunsClosingSaveSettingsTheDocumentsThenAboutT
 }
 
 } // namespace
+
+namespace {
+
+// The icon size of every command toolbar, the user's own included.
+QList<int> ToolBarIconSizes(CMainFrame* frame)
+{
+    QList<int> sizes;
+    for (const QString& id : frame->Menus().ToolBarIds())
+        sizes << frame->Menus().ToolBar(id)->iconSize().width();
+    return sizes;
+}
+
+} // namespace
+
+TEST_F(MainFrameTest, TheSheetsPagesReachEveryOpenViewAndTheWindowAtOnce)
+{
+    StartEmpty();
+    CScrivelFrame* first = OpenText("one.txt", "alpha\nbeta\n");
+    CScrivelFrame* second = OpenText("two.txt", "gamma\n");
+    ASSERT_TRUE(first && second);
+    ASSERT_EQ(Frame()->Settings().view.LargeTBIcons, 1);
+    EXPECT_FALSE(ToolBarIconSizes(Frame()).contains(16));
+
+    CPageGeneralMore more(*Frame(), nullptr);
+    more.Reset();
+    more.LargeIcons()->setChecked(false);
+    more.Apply();
+    const QList<int> small = ToolBarIconSizes(Frame());
+    ASSERT_FALSE(small.isEmpty());
+    EXPECT_EQ(small.count(16), small.size());
+
+    CPageGeneral general(*Frame(), nullptr);
+    general.Reset();
+    general.findChild<QSpinBox*>(QStringLiteral("FontSize"))->setValue(17);
+    general.Apply();
+    for (CScrivelFrame* frame : {first, second})
+        EXPECT_EQ(frame->GetView()->GetEditor()->SendScintilla(QsciScintillaBase::SCI_STYLEGETSIZE,
+                                                               QsciScintillaBase::STYLE_DEFAULT), 17);
+
+    more.LargeIcons()->setChecked(true);
+    more.Apply();
+    EXPECT_FALSE(ToolBarIconSizes(Frame()).contains(16));
+}

@@ -159,10 +159,12 @@ TEST_F(HelpTest, F1InAModalDialogOpensItsPageAndSearchFindsWords)
     edit->setFocus();
     QTest::keyClick(edit, Qt::Key_F1);
 
-    auto* window = shell.Window()->findChild<CHelpWindow*>();
+    // The dialog blocks every other window: help shows as the dialog's own window.
+    auto* window = dialog.findChild<CHelpWindow*>();
     ASSERT_NE(window, nullptr);
     ASSERT_TRUE(window->IsValid());
     EXPECT_TRUE(window->isVisible());
+    EXPECT_TRUE(window->isWindow());
     EXPECT_EQ(window->Browser()->source().toString(), HelpLocator::PageUrl(QStringLiteral("printing.html#setup")));
     EXPECT_TRUE(window->Browser()->toPlainText().contains(QStringLiteral("Page Setup")));
 
@@ -184,6 +186,13 @@ TEST_F(HelpTest, F1InAModalDialogOpensItsPageAndSearchFindsWords)
     }
     EXPECT_TRUE(pages.contains(QStringLiteral("search.html"))) << pages.join(QStringLiteral(", ")).toStdString();
     EXPECT_FALSE(pages.contains(QStringLiteral("printing.html")));
+
+    // Closing the dialog hands help back to the main window, still open; a dialog
+    // deleted later takes nothing with it.
+    dialog.hide();
+    EXPECT_EQ(window->parentWidget(), shell.Window());
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(shell.Window()->findChild<CHelpWindow*>(), window);
     window->close();
 }
 

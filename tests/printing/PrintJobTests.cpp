@@ -276,3 +276,74 @@ TEST_F(PrintJobTest, AnExportIntoAMissingFolderFailsWithAReason)
 }
 
 } // namespace
+
+// Counting the lines of plain pages must give the very pages the control lays out:
+// documents mixing lines that wrap, tabs, wider scripts and a last page ending exactly.
+struct CountedPagesCase
+{
+    const char* name;
+    QByteArray text;
+    bool lineNumbers;
+    bool selection; // from the middle of line 3 to the middle of the last line but two
+};
+
+class CountedPagesTest : public PrintJobTest, public ::testing::WithParamInterface<CountedPagesCase>
+{
+protected:
+    QList<long> Starts(bool count)
+    {
+        PrintOptions options;
+        options.header = options.footer = true;
+        options.lineNumbers = GetParam().lineNumbers;
+        options.margins = PrintLayout::DefaultMargins(true);
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setResolution(300);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(Pdf(QStringLiteral("counted%1.pdf").arg(count)));
+        printer.setPageMargins(QMarginsF(0, 0, 0, 0));
+        QPainter painter(&printer);
+        CPrintJob job(m_editor, options, QStringLiteral("c"));
+        job.SetCountPlainPages(count);
+        if (GetParam().selection) {
+            const long lines = m_editor.SendScintilla(QsciScintillaBase::SCI_GETLINECOUNT);
+            job.SetRange(m_editor.SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, 2UL) + 3,
+                         m_editor.SendScintilla(QsciScintillaBase::SCI_POSITIONFROMLINE, lines - 3) + 2);
+        }
+        EXPECT_TRUE(job.OnBeginPrinting(painter));
+        return job.PageStarts();
+    }
+};
+
+TEST_P(CountedPagesTest, GiveTheControlsOwnPages)
+{
+    SetText(GetParam().text);
+    const QList<long> laidOut = Starts(false);
+    ASSERT_GT(laidOut.size(), 2);
+    EXPECT_EQ(Starts(true), laidOut);
+}
+
+QByteArray Mixed(int lines)
+{
+    QByteArray text;
+    for (int i = 0; i < lines; ++i) {
+        if (i % 97 == 13)
+            text += QByteArray("word ").repeated(60) + "\n"; // wraps
+        else if (i % 89 == 5)
+            text += "\t\tif (x)\t{ y(); }\n";
+        else if (i % 83 == 7)
+            text += "caf\xc3\xa9 \xe6\xbc\xa2\xe5\xad\x97 na\xc3\xafve\n";
+        else
+            text += "line " + QByteArray::number(i) + " of a plain page\n";
+    }
+    return text;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Documents, CountedPagesTest,
+    ::testing::Values(CountedPagesCase{"plain", NumberedLines(900), true, false},
+                      CountedPagesCase{"mixed", Mixed(900), true, false},
+                      CountedPagesCase{"mixedNoNumbers", Mixed(900), false, false},
+                      CountedPagesCase{"mixedSelection", Mixed(900), true, true},
+                      CountedPagesCase{"longLinesOnly", QByteArray("x").repeated(300).append('\n').repeated(200), false, false},
+                      CountedPagesCase{"noFinalNewline", NumberedLines(700).chopped(1), true, false}),
+    [](const auto& info) { return std::string(info.param.name); });

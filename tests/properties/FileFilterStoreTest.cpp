@@ -88,11 +88,19 @@ TEST_F(FileFilterStoreTest, TheMachineListIsReadFirstAndTheUsersLabelWins)
     machine.WriteProfileString(QStringLiteral("FileFilter"), QStringLiteral("*.n"), QStringLiteral("Machine N"));
     // With a machine list present nothing is seeded.
     EXPECT_EQ(FileFilterStore::Load().size(), 2);
-    ASSERT_TRUE(FileFilterStore::Save({{QStringLiteral("Mine"), QStringLiteral("*.n")}}));
+    ASSERT_TRUE(FileFilterStore::Save({{QStringLiteral("Machine M"), QStringLiteral("*.m")},
+                                       {QStringLiteral("Mine"), QStringLiteral("*.n")}}));
     const QList<Filter> loaded = FileFilterStore::Load();
     ASSERT_EQ(loaded.size(), 2);
     EXPECT_EQ(loaded[0], (Filter{QStringLiteral("Machine M"), QStringLiteral("*.m")}));
     EXPECT_EQ(loaded[1], (Filter{QStringLiteral("Mine"), QStringLiteral("*.n")}));
+
+    // Deleting a machine filter hides it for this user; adding it back shows it again.
+    ASSERT_TRUE(FileFilterStore::Save({loaded[1]}));
+    EXPECT_EQ(FileFilterStore::Load(), (QList<Filter>{loaded[1]}));
+    EXPECT_TRUE(machine.HasValue(QStringLiteral("FileFilter"), QStringLiteral("*.m")));
+    ASSERT_TRUE(FileFilterStore::Save(loaded));
+    EXPECT_EQ(FileFilterStore::Load(), loaded);
     machine.DeleteKey(QStringLiteral("FileFilter"), QString());
 }
 

@@ -81,10 +81,13 @@ TEST_F(FindInFilesDialogTest, FiltersComeFirstAndTheChosenOneIsRemembered)
     CRegistryStore machine(CRegistryStore::LocalMachine);
     machine.WriteProfileString(QStringLiteral("FileFilter"), QStringLiteral("*.cpp;*.h"), QStringLiteral("C++ Files"));
     machine.WriteProfileString(QStringLiteral("FileFilter"), QStringLiteral("*.txt"), QStringLiteral("Text Files"));
+    // The open and save dialogs' list: the user's own filters join the machine's.
+    CRegistryStore().WriteProfileString(QStringLiteral("FileFilter"), QStringLiteral("*.rs"), QStringLiteral("Rust Files"));
     {
         CFindInFilesDialog dialog(QStringLiteral("x"), m_folder);
         CHistoryComboBox* types = dialog.typesCombo();
-        ASSERT_EQ(types->fixedCount(), 2);
+        ASSERT_EQ(types->fixedCount(), 3);
+        EXPECT_GE(types->findText(QStringLiteral("Rust Files (*.rs)")), 0);
         const int cpp = types->findText(QStringLiteral("C++ Files (*.cpp;*.h)"));
         ASSERT_GE(cpp, 0);
         types->setCurrentIndex(cpp);
