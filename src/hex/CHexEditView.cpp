@@ -437,8 +437,8 @@ void CHexEditView::paintEvent(QPaintEvent* event)
     const QColor highlight = pal.color(QPalette::Highlight);
     const QColor highlightText = pal.color(QPalette::HighlightedText);
     // Bytes typed since the last save stand out, as in most hex editors.
-    const quint32 changed = ThemeColours::Current().Colour(ThemeColours::Mark::Changed);
-    const QColor changedColor(int(changed & 0xFF), int((changed >> 8) & 0xFF), int((changed >> 16) & 0xFF));
+    const quint32 changedMark = ThemeColours::Current().Colour(ThemeColours::Mark::Changed);
+    const QColor changedColor(int(changedMark & 0xFF), int((changedMark >> 8) & 0xFF), int((changedMark >> 16) & 0xFF));
     const bool focused = hasFocus();
 
     QString cell(2, QLatin1Char('0'));
