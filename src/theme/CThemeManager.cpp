@@ -9,6 +9,8 @@
 #include "shell/CShellEvents.h"
 #include "shell/IShell.h"
 
+#include <QAction>
+#include <QActionGroup>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QEvent>
@@ -141,6 +143,9 @@ void InstallTheme(IShell& shell)
         {Cmd::ViewThemeDark, QT_TRANSLATE_NOOP("Theme", "&Dark"), CThemeManager::Dark},
         {Cmd::ViewThemeDesktop, QT_TRANSLATE_NOOP("Theme", "Follow the &Desktop"), CThemeManager::Desktop},
     };
+    // One of the three is always chosen: they show as radio items.
+    auto* group = new QActionGroup(manager);
+    group->setExclusive(true);
     for (const Command& command : commands) {
         CommandInfo info;
         info.id = command.id;
@@ -153,7 +158,8 @@ void InstallTheme(IShell& shell)
             ui.handled = true;
             ui.checked = manager->GetMode() == mode;
         };
-        shell.Commands().Register(info);
+        if (QAction* action = shell.Commands().Register(info))
+            group->addAction(action);
         shell.Menus().AddCommand(kThemeMenu, QString::fromLatin1(MenuGroup::Default), command.id);
     }
 }
