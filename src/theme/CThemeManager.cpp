@@ -1,13 +1,18 @@
 #include "CThemeManager.h"
 
 #include "ThemePalette.h"
+#include "editor/CMFCScintilla.h"
+#include "editor/CScrivelFrame.h"
+#include "editor/CScrivelView.h"
 #include "framework/CommandIds.h"
+#include "framework/ThemeColours.h"
 #include "properties/ViewRefresh.h"
 #include "settings/CRegistryStore.h"
 #include "shell/CCommandRegistry.h"
 #include "shell/CMenuPlaces.h"
 #include "shell/CShellEvents.h"
 #include "shell/IShell.h"
+#include "syntax/SyntaxApplier.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -107,6 +112,20 @@ void CThemeManager::RefreshViews()
 {
     // Text views take their colours again through their settings and parser; hex and
     // compare views, and every other window, repaint from the new palette themselves.
+    const ThemeColours theme = ThemeColours::Current();
+    for (CChildFrame* child : m_shell.ChildFrames()) {
+        // A view without a definition keeps the control's plain styles: only the page
+        // and the control's own parts change.
+        auto* frame = qobject_cast<CScrivelFrame*>(child);
+        if (!frame || frame->GetParserIndex() >= 0 || !frame->GetView())
+            continue;
+        QsciScintillaBase& control = *frame->GetView()->GetEditor();
+        control.SendScintilla(QsciScintillaBase::SCI_STYLESETFORE, QsciScintillaBase::STYLE_DEFAULT, long(theme.Text()));
+        control.SendScintilla(QsciScintillaBase::SCI_STYLESETBACK, QsciScintillaBase::STYLE_DEFAULT,
+                              long(theme.Background()));
+        control.SendScintilla(QsciScintillaBase::SCI_STYLECLEARALL);
+        SyntaxApplier::ApplyTheme(control, theme);
+    }
     ViewRefresh::ApplySettings(m_shell);
 }
 
