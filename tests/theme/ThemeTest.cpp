@@ -4,8 +4,12 @@
 #include "compare/CCompareView.h"
 #include "compare/CComparePane.h"
 #include "framework/ThemeColours.h"
+#include "settings/AppPaths.h"
 #include "theme/CThemeManager.h"
 #include "theme/ThemePalette.h"
+
+#include <QFile>
+#include <QScopeGuard>
 
 namespace {
 
@@ -13,6 +17,7 @@ using Scintilla = QsciScintillaBase;
 
 constexpr int KeywordStyle = 5; // the C++ lexer's
 constexpr quint32 ShippedKeyword = 0xFF0000; // "#0000FF" in the C++ definition
+constexpr quint32 UserKeyword = 0xC00080;    // "#8000C0", the user's edit
 
 double Lightness(quint32 bgr)
 {
@@ -42,8 +47,8 @@ protected:
 };
 
 // A choice from the menu recolours the window and the views already open, the menu shows
-// it, and the next start comes back to it; the light theme shows the definition's own
-// colours again, exactly.
+// it, and the next start comes back to it; the user's own colour edit in a definition is
+// shown exactly in the light theme again, and no theme rewrites the definition.
 TEST_F(ThemeTest, ChoiceRecoloursOpenViewsAndIsRememberedAcrossAStart)
 {
     StartEmpty();
@@ -60,6 +65,20 @@ TEST_F(ThemeTest, ChoiceRecoloursOpenViewsAndIsRememberedAcrossAStart)
               ThemeColours::MinContrast);
     EXPECT_LT(Lightness(quint32(Sci(frame, Scintilla::SCI_GETCARETLINEBACK))), 0.4);
 
+    // The user's edit, as the colour page writes it into their copy of the definition.
+    QFile definition(QDir(AppPaths::DefaultSyntaxFolder()).filePath(QStringLiteral("C++.config")));
+    ASSERT_TRUE(definition.open(QIODevice::ReadOnly));
+    QByteArray bytes = definition.readAll();
+    definition.close();
+    // The folder outlives this test: the other tests expect the shipped colours.
+    const auto restore = qScopeGuard([path = definition.fileName(), original = bytes] {
+        TestSupport::WriteFile(path, original);
+    });
+    const QByteArray shipped = R"(STYLE="5" HEXFORE="#0000FF")", edited = R"(STYLE="5" HEXFORE="#8000C0")";
+    ASSERT_TRUE(bytes.contains(shipped));
+    bytes.replace(shipped, edited);
+    TestSupport::WriteFile(definition.fileName(), bytes);
+
     ASSERT_TRUE(Frame()->close());
     App()->Shutdown();
     ASSERT_TRUE(App()->InitInstance({}));
@@ -69,10 +88,14 @@ TEST_F(ThemeTest, ChoiceRecoloursOpenViewsAndIsRememberedAcrossAStart)
     ASSERT_TRUE(again);
     EXPECT_LT(Lightness(Style(again, false, 0)), 0.2);
 
+    EXPECT_NE(Style(again, true, KeywordStyle), UserKeyword);
+
     Run(Cmd::ViewThemeLight);
     EXPECT_FALSE(ThemePalette::IsDark(QApplication::palette()));
     EXPECT_EQ(Style(again, false, 0), 0xFFFFFFu);
-    EXPECT_EQ(Style(again, true, KeywordStyle), ShippedKeyword);
+    EXPECT_EQ(Style(again, true, KeywordStyle), UserKeyword);
+    ASSERT_TRUE(definition.open(QIODevice::ReadOnly));
+    EXPECT_EQ(definition.readAll(), bytes);
 }
 
 // Following the desktop: a dark desktop palette gives the dark theme, and a desktop that
