@@ -64,8 +64,14 @@ CBackupManager* CBackupManager::Find(IShell& shell)
 
 void CBackupManager::Watch(CDocument* document)
 {
-    if (!document || Store(document) || document->inherits("CHexDocument") || document->inherits("CCompareDoc"))
+    if (!document || Store(document) || document->inherits("CHexDocument"))
         return;
+    if (document->inherits("CCompareDoc")) {
+        // A compare tab saves either side in place: each such save keeps a version too.
+        connect(document, &CDocument::aboutToSave, this, &CBackupManager::OnSideAboutToSave,
+                Qt::UniqueConnection);
+        return;
+    }
     auto store = std::make_shared<CBackupStore>(m_shell.Settings());
     store->SetFailureHandler([this](const QString& message) { ShowFailure(message); });
     m_stores.append({document, store});
@@ -113,6 +119,23 @@ void CBackupManager::OnAboutToSave(const QString& path)
         store->SaveVersion();
     else
         store->Attach(path);
+    m_shell.RequestCommandUpdate();
+}
+
+void CBackupManager::OnSideAboutToSave(const QString& path)
+{
+    if (path.isEmpty() || !QFileInfo::exists(path))
+        return;
+    CBackupStore store(m_shell.Settings());
+    store.SetFailureHandler([this](const QString& message) { ShowFailure(message); });
+    store.Attach(path);
+    if (store.IsActive())
+        store.SaveVersion();
+    // An editor of the same file lists the new version too.
+    for (const auto& [doc, editorStore] : m_stores) {
+        if (doc && editorStore->IsActive() && QFileInfo(editorStore->GetSourcePath()) == QFileInfo(path))
+            editorStore->Attach(path);
+    }
     m_shell.RequestCommandUpdate();
 }
 

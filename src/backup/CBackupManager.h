@@ -38,6 +38,7 @@ public:
     bool Restore(CDocument* document, const QString& versionPath);
 
 private Q_SLOTS:
+    void OnSideAboutToSave(const QString& path);
     void OnAboutToSave(const QString& path);
     void OnLoaded(const QString& path);
     void OnClosing();

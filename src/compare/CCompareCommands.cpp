@@ -270,6 +270,8 @@ CCompareFrame* CCompareCommands::Open(const CompareSource& left, const CompareSo
                      (info.exists() && !info.isWritable()) || (side == 1 && rightReadOnly);
     }
     document->UpdateTitle();
+    // Announced like any document, so that the sides' saves keep their versions.
+    Q_EMIT m_shell.Events().documentCreated(document);
     auto* view = new CCompareView(document, left, right, m_options,
                                   [this](QsciScintillaBase& pane, const QString& path) { Colour(pane, path); });
     auto* frame = new CCompareFrame(document, view);

@@ -479,6 +479,8 @@ bool CCompareView::SaveSide(int side)
     if (!pane->IsModified() || s.readOnly)
         return true;
     const QByteArray text = pane->Text();
+    if (m_document)
+        Q_EMIT m_document->aboutToSave(s.path);
     EncodingWriter writer(s.encoding, s.writeMark);
     TextFile file;
     bool ok = file.OpenWrite(s.path);

@@ -28,15 +28,7 @@ QAction* CCommandRegistry::Register(const CommandInfo& cmd)
     }
     auto* action = new QAction(cmd.text, m_actionParent);
     action->setData(cmd.id);
-    action->setCheckable(cmd.checkable);
-    if (!cmd.toolTip.isEmpty())
-        action->setToolTip(cmd.toolTip);
-    QIcon icon = cmd.icon;
-    if (icon.isNull() && !cmd.iconName.isEmpty())
-        icon = QIcon::fromTheme(cmd.iconName);
-    if (!icon.isNull())
-        action->setIcon(icon);
-    action->setShortcut(cmd.shortcut);
+    ApplyLook(action, cmd);
     // Shortcuts must work wherever focus is inside the window, so the action lives on it.
     if (m_actionParent)
         m_actionParent->addAction(action);
@@ -49,6 +41,19 @@ QAction* CCommandRegistry::Register(const CommandInfo& cmd)
     return action;
 }
 
+void CCommandRegistry::ApplyLook(QAction* action, const CommandInfo& cmd)
+{
+    action->setCheckable(cmd.checkable);
+    if (!cmd.toolTip.isEmpty())
+        action->setToolTip(cmd.toolTip);
+    QIcon icon = cmd.icon;
+    if (icon.isNull() && !cmd.iconName.isEmpty())
+        icon = QIcon::fromTheme(cmd.iconName);
+    if (!icon.isNull())
+        action->setIcon(icon);
+    action->setShortcut(cmd.shortcut);
+}
+
 QAction* CCommandRegistry::TakeOverPlaceholder(Entry& entry, const CommandInfo& cmd)
 {
     // The action stays, so that it keeps its places in the menus and toolbars.
@@ -56,15 +61,7 @@ QAction* CCommandRegistry::TakeOverPlaceholder(Entry& entry, const CommandInfo& 
     entry.cmd = cmd;
     if (action) {
         action->setText(cmd.text);
-        action->setCheckable(cmd.checkable);
-        if (!cmd.toolTip.isEmpty())
-            action->setToolTip(cmd.toolTip);
-        QIcon icon = cmd.icon;
-        if (icon.isNull() && !cmd.iconName.isEmpty())
-            icon = QIcon::fromTheme(cmd.iconName);
-        if (!icon.isNull())
-            action->setIcon(icon);
-        action->setShortcut(cmd.shortcut);
+        ApplyLook(action, cmd);
     }
     Q_EMIT commandRegistered(cmd.id);
     RequestUpdate();

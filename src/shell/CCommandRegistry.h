@@ -74,6 +74,7 @@ private:
         QPointer<QAction> action;
     };
     QAction* TakeOverPlaceholder(Entry& entry, const CommandInfo& cmd);
+    static void ApplyLook(QAction* action, const CommandInfo& cmd);
 
     QWidget* m_actionParent;
     QHash<int, Entry> m_commands;

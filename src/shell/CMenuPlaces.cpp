@@ -31,17 +31,7 @@ QMenu* CMenuPlaces::DeclareMenu(const QString& menuId, const QString& title,
             Insert(m_menus[parentMenu], parentGroup, menu->menuAction());
     }
     menu->setSeparatorsCollapsible(true);
-    Place place;
-    place.widget = menu;
-    place.groups = groups;
-    // No line ever shows above the first group, so it gets none.
-    for (const QString& group : groups.mid(1))
-        place.separators.insert(group, menu->addSeparator());
-    m_menus.insert(menuId, place);
-    m_menuOrder << menuId;
-    // States are fresh whenever a menu opens.
-    connect(menu, &QMenu::aboutToShow, &m_commands, &CCommandRegistry::UpdateAll);
-    UpdateSeparators(m_menus[menuId]);
+    AddMenuPlace(menuId, menu, groups);
     return menu;
 }
 
@@ -50,16 +40,32 @@ QMenu* CMenuPlaces::DeclareContextMenu(const QString& menuId, const QStringList&
     if (QMenu* existing = Menu(menuId))
         return existing;
     auto* menu = new QMenu(m_window);
-    Place place;
-    place.widget = menu;
-    place.groups = groups;
-    for (const QString& group : groups.mid(1))
-        place.separators.insert(group, menu->addSeparator());
-    m_menus.insert(menuId, place);
-    m_menuOrder << menuId;
-    connect(menu, &QMenu::aboutToShow, &m_commands, &CCommandRegistry::UpdateAll);
-    UpdateSeparators(m_menus[menuId]);
+    AddMenuPlace(menuId, menu, groups);
     return menu;
+}
+
+void CMenuPlaces::AddMenuPlace(const QString& menuId, QMenu* menu, const QStringList& groups)
+{
+    AddPlace(m_menus, m_menuOrder, menuId, menu, groups);
+    // States are fresh whenever a menu opens.
+    connect(menu, &QMenu::aboutToShow, &m_commands, &CCommandRegistry::UpdateAll);
+}
+
+void CMenuPlaces::AddPlace(QHash<QString, Place>& places, QStringList& order, const QString& id,
+                           QWidget* widget, const QStringList& groups)
+{
+    Place place;
+    place.widget = widget;
+    place.groups = groups;
+    // No line ever shows above the first group, so it gets none.
+    for (const QString& group : groups.mid(1)) {
+        auto* line = new QAction(widget);
+        line->setSeparator(true);
+        widget->addAction(line);
+        place.separators.insert(group, line);
+    }
+    order << id;
+    UpdateSeparators(*places.insert(id, place));
 }
 
 QMenu* CMenuPlaces::Menu(const QString& menuId) const
@@ -109,14 +115,7 @@ QToolBar* CMenuPlaces::DeclareToolBar(const QString& toolBarId, const QString& t
         return existing;
     QToolBar* bar = m_window->addToolBar(title);
     bar->setObjectName(toolBarId + QStringLiteral("ToolBar"));
-    Place place;
-    place.widget = bar;
-    place.groups = groups;
-    for (const QString& group : groups.mid(1))
-        place.separators.insert(group, bar->addSeparator());
-    m_toolBars.insert(toolBarId, place);
-    m_toolBarOrder << toolBarId;
-    UpdateSeparators(m_toolBars[toolBarId]);
+    AddPlace(m_toolBars, m_toolBarOrder, toolBarId, bar, groups);
     return bar;
 }
 

@@ -73,6 +73,9 @@ private:
         QList<QAction*> customSeparators; // lines of a customised layout, ours to delete
         QHash<QString, QList<int>> order;
     };
+    void AddMenuPlace(const QString& menuId, QMenu* menu, const QStringList& groups);
+    static void AddPlace(QHash<QString, Place>& places, QStringList& order, const QString& id,
+                         QWidget* widget, const QStringList& groups);
     void ClearCommands(Place& place);
     void Forget(QAction* action);
     void Insert(Place& place, const QString& group, QAction* action);

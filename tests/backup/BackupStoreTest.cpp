@@ -57,18 +57,16 @@ protected:
         return names;
     }
 
+    // Collects the store's failure messages in `messages`.
+    void CollectFailures(CBackupStore& store)
+    {
+        store.SetFailureHandler([this](const QString& text) { messages << text; });
+    }
+
     MainFrameSettings settings;
     QString m_dir;
+    QStringList messages;
 };
-
-TEST_F(BackupStoreTest, NewStoreIsDetached)
-{
-    CBackupStore store(settings);
-    EXPECT_FALSE(store.IsActive());
-    EXPECT_EQ(store.GetCount(), 0);
-    EXPECT_EQ(store.GetFolderId(), -1);
-    EXPECT_TRUE(store.GetFolder().isEmpty());
-}
 
 TEST_F(BackupStoreTest, FirstFolderIsZeroAndEachFileGetsItsOwn)
 {
@@ -276,9 +274,8 @@ TEST_F(BackupStoreTest, FailedCopyIsReportedAndTheNumberIsStillTaken)
 {
     const QString path = Source(QStringLiteral("f.txt"));
     WriteFile(path, "v0");
-    QStringList messages;
     CBackupStore store(settings);
-    store.SetFailureHandler([&messages](const QString& text) { messages << text; });
+    CollectFailures(store);
     store.Attach(path);
 
     // The root is a file, so the version's folder can't be made under it.
@@ -300,9 +297,8 @@ TEST_F(BackupStoreTest, MissingRootFailsTheCopyInsteadOfMakingIt)
 {
     const QString path = Source(QStringLiteral("f.txt"));
     WriteFile(path, "v0");
-    QStringList messages;
     CBackupStore store(settings);
-    store.SetFailureHandler([&messages](const QString& text) { messages << text; });
+    CollectFailures(store);
     store.Attach(path);
     QDir(Root()).removeRecursively();
     EXPECT_FALSE(store.SaveVersion());
@@ -314,9 +310,8 @@ TEST_F(BackupStoreTest, VanishedSourceReportsTheSystemReason)
 {
     const QString path = Source(QStringLiteral("gone.txt"));
     WriteFile(path, "x");
-    QStringList messages;
     CBackupStore store(settings);
-    store.SetFailureHandler([&messages](const QString& text) { messages << text; });
+    CollectFailures(store);
     store.Attach(path);
     QFile::remove(path);
     EXPECT_FALSE(store.SaveVersion());

@@ -9,6 +9,7 @@
 #include "framework/CChildFrame.h"
 #include "framework/CDocument.h"
 #include "framework/CommandIds.h"
+#include "settings/CRegistryStore.h"
 #include "shell/CCommandRegistry.h"
 
 #include "CFakeShell.h"
@@ -156,6 +157,27 @@ TEST_F(VersionsTest, HexDocumentsKeepNoVersions)
     document->Save(path, "new");
     EXPECT_EQ(manager->Store(document), nullptr);
     EXPECT_FALSE(QFileInfo::exists(shell.Settings().BackupFolder + QStringLiteral("/0")));
+}
+
+TEST_F(VersionsTest, ASideSavedFromACompareKeepsAVersionAnEditorOfItLists)
+{
+    const QString left = Path(QStringLiteral("left.txt"));
+    const QString right = Path(QStringLiteral("right.txt"));
+    WriteFile(left, "a\nold\n");
+    WriteFile(right, "a\nnew\n");
+    CFakeTextDoc* editor = OpenDocument(left);
+    CCompareFrame* frame = OpenCompare(shell, left, right);
+    ASSERT_TRUE(frame);
+    frame->View()->WaitForCompare();
+    if (!frame->View()->CanCopyTo(0))
+        frame->View()->NextDifference();
+    ASSERT_TRUE(frame->View()->CanCopyTo(0));
+    frame->View()->CopyTo(0);
+    ASSERT_TRUE(frame->View()->SaveModifiedSides());
+    EXPECT_EQ(ReadFile(left), QByteArray("a\nnew\n"));
+    EXPECT_EQ(Versions(editor), QStringList{"a\nold\n"});
+    // The side not edited is not written and keeps no version.
+    EXPECT_EQ(CRegistryStore().GetProfileInt(CBackupStore::FoldersSection, right, -1), -1);
 }
 
 TEST_F(VersionsTest, FailedCopyIsShownWithoutAnIconAndTheSaveGoesOn)
