@@ -17,6 +17,7 @@
 #include "search/SearchInstall.h"
 #include "shell/IShell.h"
 #include "syntax/CSyntaxCommands.h"
+#include "theme/CThemeManager.h"
 #include "tools/COutputBarCommands.h"
 #include "usertools/InstallTools.h"
 
@@ -40,4 +41,5 @@ void InstallSubsystems(IShell& shell)
     InstallHelp(shell);
     InstallTools(shell);
     InstallRecovery(shell);
+    InstallTheme(shell);
 }

@@ -1,17 +1,12 @@
 #include "compare/CComparePane.h"
 
+#include "framework/ThemeColours.h"
+
 #include <QFont>
 #include <QFontDatabase>
 
 namespace {
 
-// Colours as the control takes them: 0xBBGGRR.
-constexpr unsigned long kChangedBack = 0xB0F0FF; // light yellow
-constexpr unsigned long kDeletedBack = 0xC8C8FF; // light red
-constexpr unsigned long kInsertedBack = 0xC8F0C8; // light green
-constexpr unsigned long kFillerBack = 0xE6E6E6;
-constexpr unsigned long kCharMark = 0x3070F0;
-constexpr unsigned long kCurrentMark = 0x303030;
 constexpr qsizetype kLargeText = 16 * 1024 * 1024;
 
 } // namespace
@@ -22,6 +17,9 @@ CComparePane::CComparePane(QWidget* parent)
     const QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     SendScintilla(SCI_STYLESETFONT, STYLE_DEFAULT, font.family().toUtf8().constData());
     SendScintilla(SCI_STYLESETSIZE, STYLE_DEFAULT, static_cast<long>(std::max(8, font.pointSize())));
+    const ThemeColours theme = ThemeColours::Current();
+    SendScintilla(SCI_STYLESETFORE, STYLE_DEFAULT, static_cast<long>(theme.Text()));
+    SendScintilla(SCI_STYLESETBACK, STYLE_DEFAULT, static_cast<long>(theme.Background()));
     SendScintilla(SCI_STYLECLEARALL);
     // Filler rows get a style of their own, beyond the styles a lexer uses.
     m_fillerStyle = int(SendScintilla(SCI_ALLOCATEEXTENDEDSTYLES, 1UL));
@@ -30,6 +28,17 @@ CComparePane::CComparePane(QWidget* parent)
 
 void CComparePane::ApplyOwnStyles()
 {
+    using Mark = ThemeColours::Mark;
+    const ThemeColours theme = ThemeColours::Current();
+    const auto kChangedBack = theme.Colour(Mark::CompareChanged);
+    const auto kDeletedBack = theme.Colour(Mark::CompareDeleted);
+    const auto kInsertedBack = theme.Colour(Mark::CompareInserted);
+    const auto kFillerBack = theme.Colour(Mark::CompareFiller);
+    const auto kCharMark = theme.Colour(Mark::CompareCharacters);
+    const auto kCurrentMark = theme.Colour(Mark::CompareCurrent);
+    SendScintilla(SCI_STYLESETFORE, STYLE_LINENUMBER, static_cast<long>(theme.LineNumber()));
+    SendScintilla(SCI_STYLESETBACK, STYLE_LINENUMBER, static_cast<long>(theme.MarginBack()));
+    SendScintilla(SCI_SETMARGINBACKN, 1UL, static_cast<long>(theme.MarginBack()));
 
     SendScintilla(SCI_SETMARGINTYPEN, 0UL, static_cast<long>(SC_MARGIN_NUMBER));
     SendScintilla(SCI_SETMARGINWIDTHN, 0UL, SendScintilla(SCI_TEXTWIDTH, STYLE_LINENUMBER, "_99999"));
@@ -40,7 +49,7 @@ void CComparePane::ApplyOwnStyles()
     const struct
     {
         int marker;
-        unsigned long colour;
+        quint32 colour;
     } backgrounds[] = {{ChangedMarker, kChangedBack}, {DeletedMarker, kDeletedBack}, {InsertedMarker, kInsertedBack}};
     for (const auto& b : backgrounds) {
         SendScintilla(SCI_MARKERDEFINE, static_cast<unsigned long>(b.marker), static_cast<long>(SC_MARK_BACKGROUND));

@@ -140,6 +140,19 @@ CCompareView::~CCompareView()
     m_watcher.waitForFinished();
 }
 
+void CCompareView::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange || !m_document)
+        return;
+    for (int side = 0; side < 2; ++side) {
+        if (m_colourer)
+            m_colourer(*m_panes[side], m_document->GetSide(side).path);
+        else
+            m_panes[side]->ApplyOwnStyles();
+    }
+}
+
 void CCompareView::LayOutPanes()
 {
     for (int side = 0; side < 2; ++side) {

@@ -73,6 +73,8 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    // A theme change: the panes take the new colours.
+    void changeEvent(QEvent* event) override;
 
 private:
     struct Result;

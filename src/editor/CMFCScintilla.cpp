@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 
+#include "framework/ThemeColours.h"
 #include "settings/CRegistryStore.h"
 
 #include <QApplication>
@@ -70,10 +71,11 @@ void CMFCScintilla::DecorateHeadings()
 void CMFCScintilla::Setup()
 {
     SendScintilla(SCI_CANCEL);
+    const ThemeColours theme = ThemeColours::Current();
     SendScintilla(SCI_MARKERDEFINE, BookmarkMarker, SC_MARK_ROUNDRECT);
     // A bookmark that stands out from the margin's face, not a white box on grey.
-    SendScintilla(SCI_MARKERSETBACK, BookmarkMarker, 0xD07030L);
-    SendScintilla(SCI_MARKERSETFORE, BookmarkMarker, 0x803010L);
+    SendScintilla(SCI_MARKERSETBACK, BookmarkMarker, static_cast<long>(theme.BookmarkBack()));
+    SendScintilla(SCI_MARKERSETFORE, BookmarkMarker, static_cast<long>(theme.BookmarkFore()));
     SendScintilla(SCI_MARKERDEFINE, 15, SC_MARK_EMPTY);
     // Every document is held as UTF-8, whatever its file's encoding.
     SendScintilla(SCI_SETCODEPAGE, static_cast<unsigned long>(SC_CP_UTF8));
@@ -93,16 +95,18 @@ void CMFCScintilla::Setup()
     SendScintilla(SCI_SETMARGINMASKN, 2, static_cast<long>(SC_MASK_FOLDERS));
     SendScintilla(SCI_SETMARGINSENSITIVEN, 0, 1);
     SendScintilla(SCI_SETMARGINSENSITIVEN, 1, 1);
-    // Margin shades: the bookmark margin in the window's button face, fold margin light.
-    const QColor face = palette().color(QPalette::Button);
-    SendScintilla(SCI_SETFOLDMARGINCOLOUR, 1, static_cast<long>(0xFFFFFF));
-    SendScintilla(SCI_SETFOLDMARGINHICOLOUR, 1, static_cast<long>(0xFFFFFF));
+    // Margin shades: the bookmark margin a shade off the page, fold margin as the page.
+    SendScintilla(SCI_SETFOLDMARGINCOLOUR, 1, static_cast<long>(theme.FoldMarginBack()));
+    SendScintilla(SCI_SETFOLDMARGINHICOLOUR, 1, static_cast<long>(theme.FoldMarginBack()));
     SendScintilla(SCI_SETMARGINTYPEN, 0, SC_MARGIN_COLOUR);
-    SendScintilla(SCI_SETMARGINBACKN, 0, static_cast<long>(face.red() | face.green() << 8 | face.blue() << 16));
-    SendScintilla(SCI_STYLESETFORE, LineNumberStyle, 0x808000L);
+    SendScintilla(SCI_SETMARGINBACKN, 0, static_cast<long>(theme.MarginBack()));
+    SendScintilla(SCI_STYLESETFORE, LineNumberStyle, static_cast<long>(theme.LineNumber()));
+    SendScintilla(SCI_STYLESETFORE, STYLE_DEFAULT, static_cast<long>(theme.Text()));
+    SendScintilla(SCI_STYLESETBACK, STYLE_DEFAULT, static_cast<long>(theme.Background()));
+    SendScintilla(SCI_SETCARETFORE, static_cast<unsigned long>(theme.Caret()));
 
-    SendScintilla(SCI_SETSELBACK, 1, 0xC56A31L); // #316AC5
-    SendScintilla(SCI_SETSELFORE, 1, 0xFFFFFFL);
+    SendScintilla(SCI_SETSELBACK, 1, static_cast<long>(theme.SelectionBack()));
+    SendScintilla(SCI_SETSELFORE, 1, static_cast<long>(theme.SelectionText()));
     SendScintilla(SCI_SETMODEVENTMASK, SC_MODEVENTMASKALL);
     // Typing, deleting and pasting into a rectangle act on every line of it.
     SendScintilla(SCI_SETADDITIONALSELECTIONTYPING, 1UL);
@@ -158,9 +162,10 @@ void CMFCScintilla::SetCaretLine(bool on, quint32 colour, int alpha)
     // This control paints a translucent caret line over the text, hiding it and the
     // caret. It is painted opaque behind the text instead, in the colour the blend
     // with the text's background would give.
+    // The colour is chosen for a white page; a dark theme turns it over like the text's.
     SendScintilla(SCI_SETCARETLINEVISIBLE, static_cast<unsigned long>(on));
-    SendScintilla(SCI_SETCARETLINEBACK, static_cast<unsigned long>(
-        BlendOverBackground(colour, alpha, quint32(SendScintilla(SCI_STYLEGETBACK, STYLE_DEFAULT)))));
+    SendScintilla(SCI_SETCARETLINEBACK, static_cast<unsigned long>(BlendOverBackground(
+        ThemeColours::Current().Back(colour), alpha, quint32(SendScintilla(SCI_STYLEGETBACK, STYLE_DEFAULT)))));
     SendScintilla(SCI_SETCARETLINEBACKALPHA, static_cast<unsigned long>(SC_ALPHA_NOALPHA));
 }
 

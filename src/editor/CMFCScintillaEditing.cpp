@@ -2,6 +2,8 @@
 // date and time, appending copies, indentation.
 #include "CMFCScintilla.h"
 
+#include "framework/ThemeColours.h"
+
 #include "settings/CRegistryStore.h"
 
 #include <QApplication>
@@ -63,6 +65,7 @@ void CMFCScintilla::SetFolding(bool on)
         int number;
         int symbol;
     };
+    const ThemeColours theme = ThemeColours::Current();
     static constexpr FoldMarker markers[] = {
         {SC_MARKNUM_FOLDEROPEN, SC_MARK_BOXMINUS},
         {SC_MARKNUM_FOLDER, SC_MARK_BOXPLUS},
@@ -74,8 +77,8 @@ void CMFCScintilla::SetFolding(bool on)
     };
     for (const FoldMarker& marker : markers) {
         SendScintilla(SCI_MARKERDEFINE, static_cast<unsigned long>(marker.number), static_cast<long>(marker.symbol));
-        SendScintilla(SCI_MARKERSETFORE, static_cast<unsigned long>(marker.number), 0xFFFFFFL);
-        SendScintilla(SCI_MARKERSETBACK, static_cast<unsigned long>(marker.number), 0x808080L);
+        SendScintilla(SCI_MARKERSETFORE, static_cast<unsigned long>(marker.number), static_cast<long>(theme.FoldMarkerFore()));
+        SendScintilla(SCI_MARKERSETBACK, static_cast<unsigned long>(marker.number), static_cast<long>(theme.FoldMarkerBack()));
     }
     SendScintilla(SCI_SETPROPERTY, "fold.compact", "1");
     if (on) {

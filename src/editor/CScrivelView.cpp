@@ -7,6 +7,7 @@
 #include "CEditorCommands.h"
 #include "CTextSearch.h"
 #include "framework/CommandIds.h"
+#include "framework/ThemeColours.h"
 #include "shell/IShell.h"
 #include "syntax/SyntaxApplier.h"
 
@@ -18,9 +19,6 @@
 namespace {
 
 using Sci = QsciScintillaBase;
-
-// Foreground of the line numbers; a parser's style reset clears it.
-constexpr long LineNumberColour = 0x808000;
 
 } // namespace
 
@@ -188,7 +186,8 @@ void CScrivelView::ApplyParser(const CSyntaxParser& parser)
     // A new lexer starts without the fold properties.
     m_editor->SetFolding(Settings().CodeFolding != 0);
     // Clearing the styles took the line numbers' colour and font too.
-    m_editor->SendScintilla(Sci::SCI_STYLESETFORE, CMFCScintilla::LineNumberStyle, LineNumberColour);
+    m_editor->SendScintilla(Sci::SCI_STYLESETFORE, CMFCScintilla::LineNumberStyle,
+                            static_cast<long>(ThemeColours::Current().LineNumber()));
     SetFont(Settings().FontStyle, Settings().FontSize, Settings().FontBold != 0, Settings().FontItalic != 0);
 }
 

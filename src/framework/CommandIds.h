@@ -145,6 +145,10 @@ enum Id : int {
     ViewZoomIn = 36310,
     ViewZoomOut = 36311,
     ViewZoomReset = 36312,
+    // View > Theme
+    ViewThemeLight = 37300,
+    ViewThemeDark = 37301,
+    ViewThemeDesktop = 37302,
 };
 
 } // namespace Cmd

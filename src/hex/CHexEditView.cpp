@@ -2,6 +2,7 @@
 
 #include "CHexDocument.h"
 #include "HexText.h"
+#include "framework/ThemeColours.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -436,8 +437,8 @@ void CHexEditView::paintEvent(QPaintEvent* event)
     const QColor highlight = pal.color(QPalette::Highlight);
     const QColor highlightText = pal.color(QPalette::HighlightedText);
     // Bytes typed since the last save stand out, as in most hex editors.
-    const QColor changedColor = pal.color(QPalette::Base).lightness() > 128 ? QColor(200, 0, 0)
-                                                                            : QColor(255, 110, 110);
+    const quint32 changedMark = ThemeColours::Current().Colour(ThemeColours::Mark::Changed);
+    const QColor changedColor(int(changedMark & 0xFF), int((changedMark >> 8) & 0xFF), int((changedMark >> 16) & 0xFF));
     const bool focused = hasFocus();
 
     QString cell(2, QLatin1Char('0'));

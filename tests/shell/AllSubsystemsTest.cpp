@@ -79,7 +79,7 @@ TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar
     }
     EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "White&space", "Line &Endings", "&Caret Line",
                                   "Line &Numbers", "Code &Folding", "&Block Select", "&Match Bracket", "-",
-                                  "Zoom &In", "Zoom &Out", "&Reset Zoom", "-", "&Font...", "-",
+                                  "Zoom &In", "Zoom &Out", "&Reset Zoom", "-", "&Font...", "&Theme", "-",
                                   "&Output Bar", "File Explorer", "Project Explorer", "Code Library", "List Explorer", "&Explorer Bar", "-", "&Next Difference", "&Previous Difference",
                                   "Copy to &Left", "Copy to &Right", "S&wap Sides", "Re&compare",
                                   "Ignore W&hitespace Changes", "Ignore C&ase"}));

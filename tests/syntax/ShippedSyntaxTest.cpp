@@ -1,4 +1,5 @@
 #include "SyntaxTestFiles.h"
+#include "framework/ThemeColours.h"
 #include "settings/ViewSettings.h"
 #include "syntax/CSyntaxParserList.h"
 #include "syntax/SyntaxApplier.h"
@@ -112,9 +113,9 @@ TEST_P(ShippedLanguage, ColoursItsSample)
         EXPECT_TRUE(defined.contains(style)) << "no colour for style " << style;
 }
 
-// What a reader tells apart on a white background: every colour reads (contrast of 3 at
-// least), and the main kinds of text of one language differ in hue, lightness or
-// background, not only in shade (maroon tags beside red attributes read as one colour).
+// What a reader tells apart: the main kinds of text of one language differ in hue,
+// lightness or background, not only in shade (maroon tags beside red attributes read as
+// one colour).
 struct Lab
 {
     double l, a, b;
@@ -181,31 +182,44 @@ const std::vector<std::pair<const char*, std::vector<const char*>>> kKinds = {
     {"code", {"Code"}},
 };
 
-TEST_P(ShippedLanguage, MainKindsOfTextAreLegibleAndDistinct)
+// The colours the control shows, read back from it in each theme: every style reads on its
+// background (in the dark theme to the ratio of body text, since its colours are carried
+// over rather than chosen), the page is dark in the dark theme, and the main kinds of text
+// stay apart there too.
+TEST_P(ShippedLanguage, EveryStyleReadsAndKindsStayApartInBothThemes)
 {
     const int index = int(Shipped().MenuNames().indexOf(QString::fromUtf8(GetParam().menu)));
     ASSERT_GE(index, 0);
     const CSyntaxParser parser = Shipped().GetParser(index);
-    std::vector<std::pair<const char*, SyntaxColour>> found;
-    for (int c = 0; c < parser.colourCount; ++c) {
-        const SyntaxColour& colour = parser.colours[size_t(c)];
-        EXPECT_GE(Contrast(colour.fore, colour.back), 3.0) << colour.name.toStdString();
-    }
-    for (const auto& [kind, names] : kKinds) {
-        for (const char* name : names) {
-            const auto* colour = std::find_if(parser.colours.begin(), parser.colours.begin() + parser.colourCount,
-                                              [name](const SyntaxColour& c) { return c.name == QLatin1String(name); });
-            if (colour != parser.colours.begin() + parser.colourCount) {
-                found.emplace_back(kind, *colour);
-                break;
+    for (const bool dark : {false, true}) {
+        SCOPED_TRACE(dark ? "dark" : "light");
+        Sci control;
+        SyntaxApplier::Apply(control, parser, ViewSettings(), ThemeColours(dark));
+        const double page = Luminance(quint32(control.SendScintilla(Sci::SCI_STYLEGETBACK, 0UL)));
+        EXPECT_TRUE(dark ? page < 0.05 : page > 0.9) << page;
+        std::vector<SyntaxColour> shown(parser.colours.begin(), parser.colours.begin() + parser.colourCount);
+        for (SyntaxColour& colour : shown) {
+            colour.fore = quint32(control.SendScintilla(Sci::SCI_STYLEGETFORE, (unsigned long)colour.style));
+            colour.back = quint32(control.SendScintilla(Sci::SCI_STYLEGETBACK, (unsigned long)colour.style));
+            EXPECT_GE(Contrast(colour.fore, colour.back), dark ? 4.5 : 3.0) << colour.name.toStdString();
+        }
+        std::vector<std::pair<const char*, SyntaxColour>> found;
+        for (const auto& [kind, names] : kKinds) {
+            for (const char* name : names) {
+                const auto colour = std::find_if(shown.begin(), shown.end(),
+                                                 [name](const SyntaxColour& c) { return c.name == QLatin1String(name); });
+                if (colour != shown.end()) {
+                    found.emplace_back(kind, *colour);
+                    break;
+                }
             }
         }
-    }
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        for (std::size_t j = i + 1; j < found.size(); ++j) {
-            EXPECT_TRUE(TellApart(found[i].second, found[j].second))
-                << found[i].first << " (" << found[i].second.name.toStdString() << ") and " << found[j].first
-                << " (" << found[j].second.name.toStdString() << ") look alike";
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            for (std::size_t j = i + 1; j < found.size(); ++j) {
+                EXPECT_TRUE(TellApart(found[i].second, found[j].second))
+                    << found[i].first << " (" << found[i].second.name.toStdString() << ") and " << found[j].first
+                    << " (" << found[j].second.name.toStdString() << ") look alike";
+            }
         }
     }
 }
