@@ -145,6 +145,9 @@ enum Id : int {
     ViewZoomIn = 36310,
     ViewZoomOut = 36311,
     ViewZoomReset = 36312,
+
+    // Search > Incremental Find, Replace in Files, status bar panes (37250-37299)
+    EditIncrementalFind = 37250,
 };
 
 } // namespace Cmd
