@@ -98,8 +98,10 @@ CFindBar::CFindBar(CMFCScintilla* editor, QWidget* parent)
         m_editor->SendScintilla(Sci::SCI_INDICSETOUTLINEALPHA, static_cast<unsigned long>(MatchIndicator), 200L);
         m_editor->SendScintilla(Sci::SCI_INDICSETUNDER, static_cast<unsigned long>(MatchIndicator), 1L);
         connect(m_editor, &Sci::SCN_UPDATEUI, this, [this](int) {
-            if (isVisible())
-                PaintVisible(false);
+            if (!isVisible())
+                return;
+            PaintVisible(false);
+            UpdateLabel(); // the caret may have moved onto or off a match
         });
         connect(m_editor, &Sci::SCN_MODIFIED, this,
                 [this](int, int type, const char*, int, int, int, int, int, int, int) {
@@ -170,6 +172,7 @@ void CFindBar::FindNext()
     if (!m_scanner.IsStarted())
         Restart(Pending::Next); // after an edit: count again now rather than later
     ResolvePending();
+    UpdateLabel();
 }
 
 void CFindBar::FindPrevious()
@@ -181,6 +184,7 @@ void CFindBar::FindPrevious()
     if (!m_scanner.IsStarted())
         Restart(Pending::Previous);
     ResolvePending();
+    UpdateLabel();
 }
 
 void CFindBar::Restart(Pending pending)

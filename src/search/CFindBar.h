@@ -45,8 +45,8 @@ public:
     // The indicator that marks the matches in the text.
     static constexpr int MatchIndicator = 18;
     // Bytes searched per step, and how long a run of steps may hold the thread.
-    static constexpr qint64 StepBytes = 1 << 20;
-    static constexpr int SliceMs = 15;
+    static constexpr qint64 StepBytes = 128 << 10;
+    static constexpr int SliceMs = 12;
 
 Q_SIGNALS:
     // The count is complete (also when the text or options changed it).

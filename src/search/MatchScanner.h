@@ -7,7 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string_view>
-#include <vector>
+#include <deque>
 
 // Finds every match of a query in a text too large to search at once. Each Step searches
 // the next stretch of whole lines, so the caller can give its thread back to the user
@@ -38,7 +38,7 @@ public:
     // Every byte below this has been searched.
     qint64 ScannedTo() const { return m_scanned; }
 
-    const std::vector<Match>& Matches() const { return m_matches; }
+    const std::deque<Match>& Matches() const { return m_matches; }
     // The index of the first match starting at or after `position`, or -1 when none is
     // known (yet).
     qint64 FirstFrom(qint64 position) const;
@@ -48,7 +48,7 @@ public:
 private:
     std::unique_ptr<SearchQuery> m_query;
     std::unique_ptr<TextMatcher> m_matcher; // refers to *m_query
-    std::vector<Match> m_matches;
+    std::deque<Match> m_matches; // grows without copying what it holds
     qint64 m_length = 0;
     qint64 m_scanned = 0;
 };
