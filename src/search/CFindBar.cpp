@@ -81,7 +81,11 @@ CFindBar::CFindBar(CMFCScintilla* editor, QWidget* parent)
     m_recount.setInterval(150);
     connect(&m_slice, &QTimer::timeout, this, &CFindBar::RunSlice);
     connect(&m_recount, &QTimer::timeout, this, [this] { Restart(Pending::None); });
-    connect(m_edit, &QLineEdit::textChanged, this, [this] { Restart(Pending::Type); });
+    connect(m_edit, &QLineEdit::textChanged, this, [this](const QString& text) {
+        if (text.isEmpty() && m_editor) // back where the typing began
+            m_editor->SetSel(long(m_anchor), long(m_anchor));
+        Restart(Pending::Type);
+    });
     for (QCheckBox* box : {m_matchCase, m_wholeWord, m_regExp})
         connect(box, &QCheckBox::toggled, this, [this] { Restart(Pending::Type); });
     connect(m_next, &QToolButton::clicked, this, &CFindBar::FindNext);
@@ -109,8 +113,9 @@ CFindBar::CFindBar(CMFCScintilla* editor, QWidget* parent)
                     // The positions found so far no longer hold: count again once the
                     // edits pause.
                     m_slice.stop();
-                    m_scanner.Start(SearchQuery(), 0);
+                    m_scanner.Reset();
                     m_pending = Pending::None;
+                    UpdateLabel();
                     if (isVisible())
                         m_recount.start();
                 });
@@ -200,8 +205,6 @@ void CFindBar::Restart(Pending pending)
         m_pendingFrom = m_anchor;
     if (pending != Pending::None)
         m_pending = pending;
-    if (text.isEmpty() && m_editor) // back where the typing began
-        m_editor->SetSel(long(m_anchor), long(m_anchor));
     RunSlice();
 }
 

@@ -12,6 +12,14 @@ void MatchScanner::Start(const SearchQuery& query, qint64 textLength)
     m_scanned = query.IsValid() ? 0 : m_length;
 }
 
+void MatchScanner::Reset()
+{
+    m_matcher.reset();
+    m_query.reset();
+    m_matches.clear();
+    m_length = m_scanned = 0;
+}
+
 bool MatchScanner::Step(const RangeReader& read, qint64 bytes)
 {
     if (!m_matcher || Done())

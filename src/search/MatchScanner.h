@@ -31,6 +31,8 @@ public:
     // Forgets what was found and starts over with `query` on a text of `textLength` bytes.
     // An invalid query or an empty text is done at once with no matches.
     void Start(const SearchQuery& query, qint64 textLength);
+    // Forgets everything: not started, no matches (the text changed under the scan).
+    void Reset();
     // Searches about `bytes` more bytes, rounded up to the end of a line. Returns Done().
     bool Step(const RangeReader& read, qint64 bytes);
     bool Done() const { return m_scanned >= m_length; }

@@ -122,6 +122,9 @@ TEST_F(FindBarTest, EditsAreCountedAgain)
     CFindBar* bar = OpenBar(QStringLiteral("one"));
     QSignalSpy finished(bar, &CFindBar::countFinished);
     m_editor->SendScintilla(Sci::SCI_INSERTTEXT, 0UL, "one ");
+    // Until the new count, the old positions are neither shown nor used.
+    EXPECT_FALSE(bar->Scanner().IsStarted());
+    EXPECT_EQ(bar->CountLabel()->text(), QString());
     ASSERT_TRUE(finished.wait(2000));
     EXPECT_EQ(finished.last().at(0).toLongLong(), 3);
     EXPECT_TRUE(Painted(12)); // the old second match, moved on by four
