@@ -1,4 +1,5 @@
 #include "CScrivelDoc.h"
+#include "TextFileDetector.h"
 
 #include "AnsiCodePage.h"
 #include "CFileDialogEx.h"
@@ -17,6 +18,7 @@
 #include "settings/CRegistryStore.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QTimer>
 
 #include <utility>
@@ -356,6 +358,39 @@ bool CScrivelDoc::MayOverwrite(const QString& path)
     const bool overwrite = box.exec() == QMessageBox::Yes;
     m_checkingDisk = wasChecking;
     return overwrite;
+}
+
+bool CScrivelDoc::ReopenWithEncoding(int encoding)
+{
+    if (m_strPathName.isEmpty() || !QFileInfo::exists(m_strPathName) || !GetEditor())
+        return false;
+    if (IsModified()
+        && QMessageBox::question(QApplication::activeWindow(), QApplication::applicationDisplayName(),
+                                 tr("Reopening \"%1\" in another encoding discards your changes. Reopen it?")
+                                     .arg(QDir::toNativeSeparators(m_strPathName)))
+               != QMessageBox::Yes)
+        return false;
+    // The file's own mark is skipped when it is the mark of the chosen encoding.
+    int markCode = TextEncoding::Ansi;
+    int markLength = 0;
+    QFile file(m_strPathName);
+    if (file.open(QIODevice::ReadOnly)) {
+        const QByteArray head = file.read(4);
+        TextFileDetector::DetectMark(reinterpret_cast<const unsigned char*>(head.constData()),
+                                     std::size_t(head.size()), markCode, markLength);
+    }
+    const int oldEncoding = Encoding;
+    const int oldBom = BomLength;
+    Encoding = encoding;
+    BomLength = markCode == encoding ? markLength : 0;
+    if (!Reload()) {
+        Encoding = oldEncoding;
+        BomLength = oldBom;
+        return false;
+    }
+    WriteMark = BomLength > 0;
+    emit formatChanged();
+    return true;
 }
 
 bool CScrivelDoc::Reload()

@@ -53,6 +53,9 @@ public:
     // Turns every line end of the text into `lineEnding` (an SC_EOL_ mode) as one undo
     // step, and makes it the mode of lines typed from now on.
     void ConvertLineEndings(int lineEnding);
+    // Reads the file again as `encoding` (a TextEncoding code). A modified document asks
+    // first, since the changes are dropped. False when nothing was reloaded.
+    bool ReopenWithEncoding(int encoding);
 
     // Looks whether another program changed or removed the file since it was read or
     // saved, and asks the user what to do: reload a changed file, keep a removed one

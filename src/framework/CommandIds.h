@@ -149,6 +149,9 @@ enum Id : int {
     ViewThemeLight = 37300,
     ViewThemeDark = 37301,
     ViewThemeDesktop = 37302,
+
+    // Search > Incremental Find, Replace in Files, status bar panes (37250-37299)
+    EditIncrementalFind = 37250,
 };
 
 } // namespace Cmd

@@ -1,7 +1,10 @@
 #include "CFindInFilesCommands.h"
 
 #include "CFindInFilesDialog.h"
+#include "CFindInFilesEngine.h"
 #include "CFindInFilesRunner.h"
+#include "CReplacePreviewDialog.h"
+#include "FileReplacer.h"
 #include "CFindResultsPage.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
@@ -14,8 +17,11 @@
 #include "shell/CMenuPlaces.h"
 #include "shell/IShell.h"
 
+#include <QApplication>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QMainWindow>
+#include <QMessageBox>
 
 namespace {
 
@@ -75,7 +81,10 @@ void CFindInFilesCommands::OnFindInFiles()
     FindInFilesOptions options = dialog.options();
     // Columns then count tabs the way the editor does.
     options.tabWidth = m_shell.Settings().view.TabWidth;
-    m_runner->start(options);
+    if (dialog.replaceChosen())
+        ReplaceInFiles(options, dialog.replacement());
+    else
+        m_runner->start(options);
 }
 
 void CFindInFilesCommands::OpenLocation(const QString& path, int line, int column)
@@ -93,4 +102,86 @@ void CFindInFilesCommands::OpenLocation(const QString& path, int line, int colum
         if (CMFCScintilla* editor = text->GetEditor())
             SelectFoundText(editor, m_runner->lastOptions());
     }
+}
+
+QList<FindInFilesMatch> CFindInFilesCommands::CollectMatches(const FindInFilesOptions& options, QString* error)
+{
+    QList<FindInFilesMatch> matches;
+    CFindInFilesEngine engine;
+    QEventLoop loop;
+    connect(&engine, &CFindInFilesEngine::matchesFound, &loop,
+            [&matches](const QList<FindInFilesMatch>& batch) { matches += batch; });
+    connect(&engine, &CFindInFilesEngine::finished, &loop, &QEventLoop::quit);
+    if (!engine.start(options)) {
+        if (error)
+            *error = engine.errorString();
+        return matches;
+    }
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    QApplication::restoreOverrideCursor();
+    return matches;
+}
+
+void CFindInFilesCommands::ReplaceInFiles(const FindInFilesOptions& options, const QString& replacement)
+{
+    QString error;
+    const QList<FindInFilesMatch> matches = CollectMatches(options, &error);
+    if (!error.isEmpty()) {
+        m_page->showSearchError(error);
+        return;
+    }
+    if (matches.isEmpty()) {
+        QMessageBox::information(m_shell.Window(), tr("Replace in Files"), tr("The search text was not found"));
+        return;
+    }
+    // What each file looked like when the user saw its matches.
+    QHash<QString, FileStamp> previewed;
+    for (const FindInFilesMatch& match : matches)
+        if (!previewed.contains(match.path))
+            previewed.insert(match.path, FileStamp::Of(match.path));
+    CReplacePreviewDialog preview(options.text, replacement, matches, m_shell.Window());
+    if (preview.exec() != QDialog::Accepted)
+        return;
+    const QStringList files = preview.chosenFiles();
+    const QList<FindInFilesMatch> rows = ApplyReplacement(options, replacement, files, previewed);
+    m_page->reportReplacement(tr("Replace \"%1\" with \"%2\"").arg(options.text, replacement), rows);
+}
+
+QList<FindInFilesMatch> CFindInFilesCommands::ApplyReplacement(const FindInFilesOptions& options,
+                                                               const QString& replacement, const QStringList& files,
+                                                               const QHash<QString, FileStamp>& previewed)
+{
+    // Open documents by the file they hold.
+    QHash<QString, CScrivelFrame*> open;
+    for (CChildFrame* child : m_shell.ChildFrames())
+        if (auto* text = qobject_cast<CScrivelFrame*>(child); text && text->GetDocument())
+            if (const QString path = QFileInfo(text->GetDocument()->GetPathName()).canonicalFilePath(); !path.isEmpty())
+                open.insert(path, text);
+
+    const SearchQuery query(options.text, options.matchCase, options.matchWord, options.regExp);
+    const FileReplacer replacer(query, replacement, AnsiCodePage(options.ansiCodePage));
+    QList<FindInFilesMatch> rows;
+    for (const QString& path : files) {
+        FindInFilesMatch row;
+        row.path = path;
+        row.line = 1;
+        CScrivelFrame* frame = open.value(QFileInfo(path).canonicalFilePath());
+        CMFCScintilla* editor = frame && frame->GetView() ? frame->GetView()->GetEditor() : nullptr;
+        if (editor) {
+            if (editor->SendScintilla(QsciScintillaBase::SCI_GETREADONLY)) {
+                row.text = tr("skipped: the document is read-only");
+            } else {
+                // In the editor, so that the change is one step of its undo.
+                CTextSearch search(editor);
+                search.SetSearchFlags(options.matchCase, options.matchWord, options.regExp);
+                const long count = search.ReplaceAll(options.text, replacement, false, options.regExp);
+                row.text = tr("%n occurrence(s) replaced in the open document", nullptr, int(count));
+            }
+        } else {
+            row.text = FileReplacer::Describe(replacer.Replace(path, previewed.value(path)));
+        }
+        rows += row;
+    }
+    return rows;
 }

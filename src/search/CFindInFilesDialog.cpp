@@ -46,6 +46,9 @@ CFindInFilesDialog::CFindInFilesDialog(const QString& initialText, const QString
 
     auto* form = new QFormLayout;
     form->addRow(tr("Fi&nd what:"), m_find);
+    m_replace = new CHistoryComboBox;
+    m_replace->setHistorySection(QStringLiteral("ReplaceHistory"));
+    form->addRow(tr("Re&place with:"), m_replace);
     form->addRow(tr("File &types:"), m_types);
     // A label for a row of widgets has no buddy of its own: lead it to the box.
     auto* folderLabel = new QLabel(tr("F&older:"));
@@ -59,8 +62,15 @@ CFindInFilesDialog::CFindInFilesDialog(const QString& initialText, const QString
 
     auto* buttons = new QDialogButtonBox;
     QPushButton* findButton = buttons->addButton(tr("&Find"), QDialogButtonBox::AcceptRole);
+    QPushButton* replaceButton = buttons->addButton(tr("&Replace..."), QDialogButtonBox::ActionRole);
     buttons->addButton(QDialogButtonBox::Cancel);
     findButton->setDefault(true);
+    connect(replaceButton, &QPushButton::clicked, this, [this] {
+        m_replaceChosen = true;
+        accept();
+        if (result() != Accepted)
+            m_replaceChosen = false;
+    });
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
@@ -77,6 +87,11 @@ CFindInFilesDialog::CFindInFilesDialog(const QString& initialText, const QString
 
     // Find what: the word handed in, else the last search.
     m_find->loadHistory();
+    m_replace->loadHistory();
+    if (m_replace->count() > 0)
+        m_replace->setCurrentIndex(0);
+    else
+        m_replace->setEditText(QString());
     if (!initialText.isEmpty())
         m_find->setEditText(initialText);
     else if (m_find->count() > 0)
@@ -203,6 +218,8 @@ void CFindInFilesDialog::accept()
     const bool filterChosen = index >= 0 && index < m_types->fixedCount()
         && m_types->currentText() == m_types->itemText(index);
     m_find->addToHistory(m_find->currentText());
+    if (m_replaceChosen)
+        m_replace->addToHistory(m_replace->currentText());
     m_folder->addToHistory(m_folder->currentText().trimmed());
     if (!filterChosen)
         m_types->addToHistory(patternText);
@@ -215,4 +232,9 @@ void CFindInFilesDialog::done(int result)
     // The options follow the boxes, whichever way the dialog closes.
     saveOptions();
     QDialog::done(result);
+}
+
+QString CFindInFilesDialog::replacement() const
+{
+    return m_replace->currentText();
 }

@@ -23,6 +23,10 @@ public:
     FindInFilesOptions options() const;
 
     CHistoryComboBox* findCombo() const { return m_find; }
+    CHistoryComboBox* replaceCombo() const { return m_replace; }
+    // Whether the dialog was left by "Replace..." (preview, then replace) rather than Find.
+    bool replaceChosen() const { return m_replaceChosen; }
+    QString replacement() const;
     CHistoryComboBox* typesCombo() const { return m_types; }
     CHistoryComboBox* folderCombo() const { return m_folder; }
     QCheckBox* subFoldersBox() const { return m_subFolders; }
@@ -46,6 +50,8 @@ private:
     bool check();
 
     CHistoryComboBox* m_find;
+    CHistoryComboBox* m_replace;
+    bool m_replaceChosen = false;
     CHistoryComboBox* m_types;
     CHistoryComboBox* m_folder;
     QPushButton* m_browse;

@@ -128,6 +128,16 @@ void CFindResultsPage::showSearchError(const QString& message)
     emit showRequested();
 }
 
+void CFindResultsPage::reportReplacement(const QString& description, const QList<FindInFilesMatch>& rows)
+{
+    m_description = description;
+    m_model->clear();
+    m_model->appendMatches(rows);
+    m_stop->setVisible(false);
+    m_status->setText(tr("%1: %n file(s)", nullptr, int(rows.size())).arg(description));
+    emit showRequested();
+}
+
 void CFindResultsPage::clearFindResults()
 {
     m_model->clear();

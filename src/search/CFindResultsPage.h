@@ -32,6 +32,8 @@ public:
     void endSearch(const FindInFilesSummary& summary);
     // A search that could not start: the reason in the status line, the list emptied.
     void showSearchError(const QString& message);
+    // The outcome of Replace in Files: one row per file, and a summary line.
+    void reportReplacement(const QString& description, const QList<FindInFilesMatch>& rows);
     void clearFindResults();
 
     QString findStatusText() const;

@@ -1,5 +1,6 @@
 #include "CSearchCommands.h"
 
+#include "CFindBar.h"
 #include "CFindDialog.h"
 #include "CHistoryComboBox.h"
 #include "CReplaceDialog.h"
@@ -85,9 +86,12 @@ void CSearchCommands::RegisterCommands()
     registry.Register({.id = Cmd::EditFindPrevious, .text = tr("Find Previous"), .category = category,
                        .shortcut = QKeySequence(QStringLiteral("Shift+F3")), .iconName = QStringLiteral("go-up"),
                        .run = [this] { OnFindNextFromBox(true); }, .update = always});
+    registry.Register({.id = Cmd::EditIncrementalFind, .text = tr("&Incremental Find"), .category = category,
+                       .shortcut = QKeySequence(QStringLiteral("Ctrl+I")), .iconName = QStringLiteral("edit-find"),
+                       .run = [this] { OnIncrementalFind(); }, .update = textView});
     CMenuPlaces& menus = m_shell->Menus();
-    for (const int id : {int(Cmd::EditFind), int(Cmd::EditReplace), int(Cmd::EditFindNext),
-                         int(Cmd::EditFindPrevious)})
+    for (const int id : {int(Cmd::EditFind), int(Cmd::EditIncrementalFind), int(Cmd::EditReplace),
+                         int(Cmd::EditFindNext), int(Cmd::EditFindPrevious)})
         menus.AddCommand(MenuId::Search, MenuGroup::SearchFind, id);
 }
 
@@ -292,4 +296,18 @@ QWidget* CSearchCommands::MessageParent() const
 void CSearchCommands::Information(const QString& text) const
 {
     QMessageBox::information(MessageParent(), tr("Morvane"), text);
+}
+
+void CSearchCommands::OnIncrementalFind()
+{
+    CMFCScintilla* editor = ActiveEditor();
+    CFindBar* bar = CFindBar::ForEditor(editor);
+    if (!bar)
+        return;
+    // A short selection on one line is what the user wants to find.
+    QString seed;
+    const QByteArray selected = editor->GetSelText();
+    if (!selected.isEmpty() && selected.size() < 100 && !selected.contains('\n'))
+        seed = QString::fromUtf8(selected);
+    bar->Open(seed);
 }

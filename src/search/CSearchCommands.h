@@ -51,6 +51,8 @@ public:
     // The commands.
     void OnEditFind();
     void OnEditReplace();
+    // Opens the find bar under the active text view.
+    void OnIncrementalFind();
     // Find Next (`previous` false) and Find Previous from the toolbar find box: no options,
     // wrap only going down.
     void OnFindNextFromBox(bool previous);

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QMenu>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -87,6 +88,37 @@ TEST_F(DocumentFormatTest, StatusPanesFollowTheActiveDocument)
     EXPECT_EQ(Pane("LineEndingPane"), QStringLiteral("LF"));
     m_shell.ActivateChild(ansi->GetFrames().first());
     EXPECT_EQ(Pane("EncodingPane"), QStringLiteral("Ansi"));
+}
+
+TEST_F(DocumentFormatTest, SelectionPaneCountsCharactersAndLines)
+{
+    CScrivelDoc* document = Open(QStringLiteral("s.txt"), "caf\xC3\xA9 one\ntwo\nthree\n");
+    ASSERT_NE(document, nullptr);
+    CMFCScintilla* editor = document->GetEditor();
+    EXPECT_EQ(Pane("SelectionPane"), QString());
+    // From inside the accented word to the middle of the second line: é counts once.
+    document->GetFrames().first()->show(); // the control tells of selection changes as it paints
+    editor->SetSel(2, 12);
+    QTest::qWait(50);
+    EXPECT_EQ(Pane("SelectionPane"), QStringLiteral("Sel: 9 | 2"));
+}
+
+// Reopening in another encoding reads the same bytes again: a UTF-8 file read as "Ansi"
+// shows its two bytes per accent, and back as UTF-8 the file is unchanged on disk.
+TEST_F(DocumentFormatTest, ReopenWithEncodingReadsTheFileAgain)
+{
+    const QByteArray bytes("caf\xC3\xA9\n");
+    CScrivelDoc* document = Open(QStringLiteral("r.txt"), bytes);
+    ASSERT_NE(document, nullptr);
+    ASSERT_TRUE(document->ReopenWithEncoding(TextEncoding::Utf8));
+    EXPECT_EQ(document->GetEditor()->GetText(), bytes);
+    ASSERT_TRUE(document->ReopenWithEncoding(TextEncoding::Ansi));
+    EXPECT_EQ(Pane("EncodingPane"), QStringLiteral("Ansi"));
+    EXPECT_EQ(document->GetEditor()->GetText(), QString::fromLatin1(bytes).toUtf8());
+    EXPECT_FALSE(document->IsModified());
+    ASSERT_TRUE(document->ReopenWithEncoding(TextEncoding::Utf8));
+    EXPECT_EQ(document->GetEditor()->GetText(), bytes);
+    EXPECT_EQ(TestSupport::ReadFile(document->GetPathName()), bytes);
 }
 
 struct ConvertCase

@@ -14,6 +14,7 @@
 #include <QSignalSpy>
 #include <QStringEncoder>
 #include <QTest>
+#include <QThread>
 #include <gtest/gtest.h>
 
 namespace {
@@ -86,6 +87,53 @@ TEST_F(FindInFilesCommandsTest, AResultOpensItsFileAtTheLineAndColumn)
     EXPECT_EQ(editor->GetCurrentLine(), 1);
     EXPECT_EQ(editor->GetColumn(), 1);
     EXPECT_FALSE(editor->HasSelection()) << "no match starts there";
+}
+
+} // namespace
+
+namespace {
+
+// Replace in Files end to end: an open document changes in its editor (undoable), a
+// closed UTF-16 file on disk in its own encoding, a file changed after the preview stays.
+TEST_F(FindInFilesCommandsTest, ReplaceInFilesReachesOpenAndClosedFiles)
+{
+    const QDir dir(m_dir);
+    const QString openPath = dir.filePath(QStringLiteral("open.txt"));
+    const QString widePath = dir.filePath(QStringLiteral("wide.txt"));
+    const QString changedPath = dir.filePath(QStringLiteral("changed.txt"));
+    TestSupport::WriteFile(openPath, "old one\nold two\n");
+    QStringEncoder encoder(QStringConverter::Utf16BE, QStringConverter::Flag::WriteBom);
+    TestSupport::WriteFile(widePath, encoder.encode(QStringLiteral("x old\r\n")));
+    TestSupport::WriteFile(changedPath, "old\n");
+    auto* document = qobject_cast<CScrivelDoc*>(CMorvaneApp::MainFrame()->OpenPath(openPath));
+    ASSERT_NE(document, nullptr);
+
+    FindInFilesOptions options;
+    options.folder = m_dir;
+    options.text = QStringLiteral("old");
+    const QList<FindInFilesMatch> matches = m_commands->CollectMatches(options);
+    EXPECT_EQ(matches.size(), 4);
+    QHash<QString, FileStamp> previewed;
+    for (const QString& path : {openPath, widePath, changedPath})
+        previewed.insert(path, FileStamp::Of(path));
+    QThread::msleep(5);
+    TestSupport::WriteFile(changedPath, "old, and changed\n");
+
+    const QList<FindInFilesMatch> rows =
+        m_commands->ApplyReplacement(options, QStringLiteral("new"), {openPath, widePath, changedPath}, previewed);
+    ASSERT_EQ(rows.size(), 3);
+    EXPECT_EQ(rows[0].text, QStringLiteral("2 occurrence(s) replaced in the open document"));
+    EXPECT_EQ(rows[1].text, QStringLiteral("1 occurrence(s) replaced"));
+    EXPECT_EQ(rows[2].text, QStringLiteral("skipped: the file changed since the preview"));
+
+    CMFCScintilla* editor = document->GetEditor();
+    EXPECT_EQ(editor->GetText(), QByteArray("new one\nnew two\n"));
+    EXPECT_EQ(TestSupport::ReadFile(openPath), QByteArray("old one\nold two\n")) << "saved only by the user";
+    editor->Undo();
+    EXPECT_EQ(editor->GetText(), QByteArray("old one\nold two\n")) << "one undo step";
+    QStringEncoder again(QStringConverter::Utf16BE, QStringConverter::Flag::WriteBom);
+    EXPECT_EQ(TestSupport::ReadFile(widePath), QByteArray(again.encode(QStringLiteral("x new\r\n"))));
+    EXPECT_EQ(TestSupport::ReadFile(changedPath), QByteArray("old, and changed\n"));
 }
 
 } // namespace

@@ -41,7 +41,7 @@ protected:
 TEST_F(SearchInstallTest, TheFindsShareOneGroupOfTheMenuAndFollowTheFindBoxOnTheToolbar)
 {
     using namespace Cmd;
-    EXPECT_EQ(MenuIds(MenuId::Search), (QList<int>{EditFind, EditReplace, EditFindNext, EditFindPrevious, FindInFiles}));
+    EXPECT_EQ(MenuIds(MenuId::Search), (QList<int>{EditFind, EditIncrementalFind, EditReplace, EditFindNext, EditFindPrevious, FindInFiles}));
     EXPECT_EQ(m_shell.Menus().ToolBarCommands(ToolBarId::Standard),
               (QList<int>{EditFindNext, EditFindPrevious, EditFind, EditReplace, FindInFiles}));
     // The box stands right before the buttons that search for its text.
