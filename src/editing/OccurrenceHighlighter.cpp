@@ -45,7 +45,7 @@ protected:
         const QBitArray& ticks = m_owner.Ticks();
         painter.setPen(Qt::NoPen);
         painter.setBrush(COccurrenceHighlighter::MarkColour(*this));
-        const int h = height() - 2;
+        const int h = height() - 3;
         int lastRow = -1;
         for (qsizetype i = 0; i < ticks.size(); ++i) {
             if (!ticks.testBit(i))
@@ -54,7 +54,7 @@ protected:
             if (row == lastRow)
                 continue;
             lastRow = row;
-            painter.drawRect(1, row, width() - 2, 2);
+            painter.drawRect(1, row, width() - 2, 3);
         }
     }
 
@@ -83,7 +83,8 @@ COccurrenceHighlighter::COccurrenceHighlighter(QsciScintillaBase& control)
         else if (updated & Sci::SC_UPDATE_V_SCROLL)
             MarkVisible();
     });
-    control.installEventFilter(this);
+    // The strip follows the text area, which changes size as scroll bars come and go.
+    control.viewport()->installEventFilter(this);
     Send(Sci::SCI_INDICSETSTYLE, Indicator, Sci::INDIC_ROUNDBOX);
     Send(Sci::SCI_INDICSETUNDER, Indicator, 1);
     Send(Sci::SCI_INDICSETALPHA, Indicator, 70);
@@ -128,7 +129,7 @@ void COccurrenceHighlighter::PlaceStrip()
 
 bool COccurrenceHighlighter::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == &m_control && m_enabled && (event->type() == QEvent::Resize || event->type() == QEvent::Show))
+    if (watched == m_control.viewport() && m_enabled && (event->type() == QEvent::Resize || event->type() == QEvent::Show))
         PlaceStrip();
     return false;
 }
