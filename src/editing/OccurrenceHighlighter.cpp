@@ -16,7 +16,7 @@ using Sci = QsciScintillaBase;
 namespace {
 
 // Bytes per scan step: a few milliseconds of searching.
-constexpr long StepBytes = 4 * 1024 * 1024;
+constexpr long StepBytes = 256 * 1024;
 constexpr int LongestNeedle = 256;
 
 bool IsWordByte(char ch)
@@ -227,7 +227,7 @@ bool COccurrenceHighlighter::Step()
     const long overlap = m_needle.size() - 1;
     const long lines = std::max(1L, Send(Sci::SCI_GETLINECOUNT));
     // Whole steps while time allows, but never much past a few milliseconds.
-    while (m_scanPos < length && clock.elapsed() < 8) {
+    while (m_scanPos < length && clock.elapsed() < 5) {
         const long from = m_scanPos;
         const long to = std::min(length, from + StepBytes);
         // One byte either side for the word test.
