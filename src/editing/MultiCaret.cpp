@@ -176,7 +176,7 @@ bool OnlyModifier(const QMouseEvent* event, Qt::KeyboardModifier wanted)
 bool CCaretMouseFilter::eventFilter(QObject* watched, QEvent* event)
 {
     const QEvent::Type type = event->type();
-    if (m_forwarding || (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease))
+    if (m_forwarding || (type != QEvent::MouseButtonPress && type != QEvent::MouseButtonDblClick && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease))
         return false;
     auto* viewport = qobject_cast<QWidget*>(watched);
     auto* control = viewport ? qobject_cast<QsciScintillaBase*>(viewport->parentWidget()) : nullptr;
@@ -195,7 +195,9 @@ bool CCaretMouseFilter::eventFilter(QObject* watched, QEvent* event)
             m_adding = false;
         return true;
     }
-    if (type == QEvent::MouseButtonPress && mouse->button() == Qt::LeftButton && OnlyModifier(mouse, Qt::ControlModifier)) {
+    // A quick second Ctrl+click arrives as a double click: it adds a caret all the same.
+    const bool press = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
+    if (press && mouse->button() == Qt::LeftButton && OnlyModifier(mouse, Qt::ControlModifier)) {
         const long pos = positionAt();
         Send(*control, Sci::SCI_ADDSELECTION, pos, pos);
         m_adding = true;
