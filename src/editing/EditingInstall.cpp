@@ -2,6 +2,9 @@
 
 #include "AutoClose.h"
 #include "LineOperations.h"
+#include "MultiCaret.h"
+#include "OccurrenceHighlighter.h"
+#include "TypingHelp.h"
 #include "framework/CommandIds.h"
 #include "settings/CRegistryStore.h"
 #include "shell/CCommandRegistry.h"
@@ -21,6 +24,9 @@ namespace {
 
 const QString kSection = QStringLiteral("EditSettings");
 const QString kAutoClose = QStringLiteral("AutoClose");
+const QString kBraceIndent = QStringLiteral("AutoIndentBrace");
+const QString kAutoComplete = QStringLiteral("AutoComplete");
+const QString kHighlight = QStringLiteral("HighlightOccurrences");
 
 QString Tr(const char* text)
 {
@@ -34,9 +40,19 @@ public:
     explicit CModernEditing(IShell& shell)
         : QObject(shell.Window()), m_shell(shell), m_filter(&m_autoClose, this)
     {
-        m_autoClose = CRegistryStore().GetProfileInt(kSection, kAutoClose, 1) != 0;
-        connect(&shell.Events(), &CShellEvents::saveSettings, this,
-                [this] { CRegistryStore().WriteProfileInt(kSection, kAutoClose, m_autoClose ? 1 : 0); });
+        CRegistryStore store;
+        m_autoClose = store.GetProfileInt(kSection, kAutoClose, 1) != 0;
+        m_braceIndent = store.GetProfileInt(kSection, kBraceIndent, 1) != 0;
+        // Off until asked for: a list that opens by itself takes Enter away from typing.
+        m_autoComplete = store.GetProfileInt(kSection, kAutoComplete, 0) != 0;
+        m_highlight = store.GetProfileInt(kSection, kHighlight, 1) != 0;
+        connect(&shell.Events(), &CShellEvents::saveSettings, this, [this] {
+            CRegistryStore out;
+            out.WriteProfileInt(kSection, kAutoClose, m_autoClose ? 1 : 0);
+            out.WriteProfileInt(kSection, kBraceIndent, m_braceIndent ? 1 : 0);
+            out.WriteProfileInt(kSection, kAutoComplete, m_autoComplete ? 1 : 0);
+            out.WriteProfileInt(kSection, kHighlight, m_highlight ? 1 : 0);
+        });
         connect(&shell.Events(), &CShellEvents::frameCreated, this, &CModernEditing::Watch);
         connect(&shell.Events(), &CShellEvents::activeChildChanged, this, &CModernEditing::Watch);
     }
@@ -53,6 +69,47 @@ public:
         return frame->findChild<QsciScintillaBase*>();
     }
 
+    // Every text control of every open frame, the words of which completion offers.
+    QList<QsciScintillaBase*> AllControls() const
+    {
+        QList<QsciScintillaBase*> controls;
+        for (CChildFrame* frame : m_shell.ChildFrames())
+            controls += frame->findChildren<QsciScintillaBase*>();
+        return controls;
+    }
+
+    void CompleteWord()
+    {
+        if (QsciScintillaBase* control = Control())
+            WordCompletion::Show(*control, AllControls());
+    }
+
+    void SelectAllOccurrences()
+    {
+        QsciScintillaBase* control = Control();
+        if (!control)
+            return;
+        const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(*control);
+        if (result.found > 0 && !result.selected)
+            m_shell.ShowStatusMessage(
+                Tr("%1 occurrences are too many to edit at once (at most %2); use Replace instead")
+                    .arg(result.found).arg(MultiCaret::MaxCarets), 8000);
+        else if (result.found > 1)
+            m_shell.ShowStatusMessage(Tr("%1 occurrences selected").arg(result.found), 4000);
+    }
+
+    void SetHighlight(bool on)
+    {
+        m_highlight = on;
+        for (QsciScintillaBase* control : AllControls()) {
+            if (auto* highlighter = control->findChild<COccurrenceHighlighter*>())
+                highlighter->SetEnabled(on);
+        }
+    }
+
+    bool& BraceIndentOn() { return m_braceIndent; }
+    bool& AutoCompleteOn() { return m_autoComplete; }
+    bool HighlightOn() const { return m_highlight; }
     bool& AutoCloseOn() { return m_autoClose; }
 
 private:
@@ -67,12 +124,29 @@ private:
                 continue;
             control->setProperty("morvaneAutoClose", true);
             control->installEventFilter(&m_filter);
+            MultiCaret::Enable(*control);
+            control->viewport()->installEventFilter(&m_mouse);
+            auto* highlighter = new COccurrenceHighlighter(*control);
+            highlighter->SetEnabled(m_highlight);
+            // After the view's own handling of the character (which copies the indent).
+            connect(control, &QsciScintillaBase::SCN_CHARADDED, this, [this, control](int ch) {
+                const int eol = int(control->SendScintilla(QsciScintillaBase::SCI_GETEOLMODE));
+                const bool lineEnd = ch == (eol == QsciScintillaBase::SC_EOL_CR ? '\r' : '\n');
+                if (lineEnd && m_braceIndent)
+                    BraceIndent::AfterNewLine(*control);
+                else if (m_autoComplete && WordCompletion::ShouldOpenAutomatically(*control))
+                    WordCompletion::Show(*control, AllControls());
+            });
         }
     }
 
     IShell& m_shell;
     bool m_autoClose = true;
+    bool m_braceIndent = true;
+    bool m_autoComplete = false;
+    bool m_highlight = true;
     CAutoCloseFilter m_filter;
+    CCaretMouseFilter m_mouse;
 };
 
 } // namespace
@@ -144,4 +218,46 @@ void InstallModernEditing(IShell& shell)
                            ui.checked = editing->AutoCloseOn();
                        }});
     menus.AddCommand(MenuId::EditFormat, MenuGroup::FormatSpaces, Cmd::EditAutoClose);
+
+    // Several carets. Ctrl+D belongs to Duplicate, so the next occurrence takes Ctrl+Alt+D.
+    auto addSelect = [&](int id, const char* text, const char* key, std::function<void()> run) {
+        commands.Register({.id = id, .text = Tr(text), .category = category,
+                           .shortcut = QKeySequence(QString::fromLatin1(key)), .run = std::move(run),
+                           .update = [editing](CCmdUI& ui) { ui.enabled = editing->Control() != nullptr; }});
+        menus.AddCommand(MenuId::Edit, MenuGroup::EditSelect, id);
+        menus.AddCommand(MenuId::EditorContext, MenuGroup::ContextSelect, id);
+    };
+    addSelect(Cmd::EditSelectNextOccurrence, "Select &Next Occurrence", "Ctrl+Alt+D", [editing] {
+        if (QsciScintillaBase* control = editing->Control())
+            MultiCaret::SelectNextOccurrence(*control);
+    });
+    addSelect(Cmd::EditSelectAllOccurrences, "Select All &Occurrences", "Ctrl+Alt+Shift+D",
+              [editing] { editing->SelectAllOccurrences(); });
+
+    commands.Register({.id = Cmd::EditCompleteWord, .text = Tr("Complete &Word"), .category = category,
+                       .shortcut = QKeySequence(QStringLiteral("Ctrl+Space")),
+                       .run = [editing] { editing->CompleteWord(); }, .update = editable});
+    menus.AddCommand(MenuId::Edit, MenuGroup::EditOther, Cmd::EditCompleteWord);
+
+    auto addToggle = [&](int id, const char* text, const char* menu, const char* group, bool& (CModernEditing::*flag)()) {
+        commands.Register({.id = id, .text = Tr(text), .category = category, .checkable = true,
+                           .run = [editing, flag] { (editing->*flag)() = !(editing->*flag)(); },
+                           .update = [editing, flag](CCmdUI& ui) {
+                               ui.enabled = true;
+                               ui.checked = (editing->*flag)();
+                           }});
+        menus.AddCommand(menu, group, id);
+    };
+    addToggle(Cmd::EditAutoIndentBrace, "Indent After Opening &Brace", MenuId::EditFormat, MenuGroup::FormatSpaces,
+              &CModernEditing::BraceIndentOn);
+    addToggle(Cmd::EditAutoComplete, "Complete Words &Automatically", MenuId::EditFormat, MenuGroup::FormatSpaces,
+              &CModernEditing::AutoCompleteOn);
+    commands.Register({.id = Cmd::ViewHighlightOccurrences, .text = Tr("&Highlight Occurrences"),
+                       .category = Tr("View"), .checkable = true,
+                       .run = [editing] { editing->SetHighlight(!editing->HighlightOn()); },
+                       .update = [editing](CCmdUI& ui) {
+                           ui.enabled = true;
+                           ui.checked = editing->HighlightOn();
+                       }});
+    menus.AddCommand(MenuId::View, MenuGroup::ViewToggles, Cmd::ViewHighlightOccurrences);
 }

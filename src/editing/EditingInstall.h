@@ -2,5 +2,6 @@
 
 class IShell;
 
-// Line commands (Edit > Lines) and bracket and quote pairing for every text view.
+// Line commands (Edit > Lines), several carets, and typing help (bracket pairing, brace
+// indent, word completion, occurrence highlighting) for every text view.
 void InstallModernEditing(IShell& shell);

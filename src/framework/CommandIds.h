@@ -137,6 +137,13 @@ enum Id : int {
     EditSortUnique = 36007,
     EditAutoClose = 36008,
     EditToggleBlockComment = 36009,
+    // Several carets and typing help
+    EditSelectNextOccurrence = 37200,
+    EditSelectAllOccurrences = 37201,
+    EditCompleteWord = 37202,
+    EditAutoIndentBrace = 37203,
+    EditAutoComplete = 37204,
+    ViewHighlightOccurrences = 37205,
     // Edit > Convert Line Endings (36300-36399: document format)
     ConvertToWindows = 36300,
     ConvertToUnix = 36301,

@@ -6,7 +6,9 @@
 #include "app/Subsystems.h"
 #include "framework/CommandIds.h"
 #include "shell/CCommandRegistry.h"
+#include "settings/CRegistryStore.h"
 #include "shell/CMenuPlaces.h"
+#include "shell/CShellEvents.h"
 
 #include <QAction>
 #include <QMenu>
@@ -46,6 +48,41 @@ TEST_F(EditingInstallTest, WithoutATextViewTheCommandsAreOffAndHarmless)
     EXPECT_FALSE(commands.State(Cmd::EditMoveLinesUp).enabled);
     commands.Execute(Cmd::EditSortAscending);
     EXPECT_TRUE(commands.State(Cmd::EditAutoClose).checked);
+}
+
+TEST_F(EditingInstallTest, CaretAndTypingCommandsHaveFreeKeysAndMenuPlaces)
+{
+    CCommandRegistry& commands = m_shell.Commands();
+    const struct { int id; const char* key; const char* menu; } expected[] = {
+        {Cmd::EditSelectNextOccurrence, "Ctrl+Alt+D", MenuId::Edit},
+        {Cmd::EditSelectAllOccurrences, "Ctrl+Alt+Shift+D", MenuId::Edit},
+        {Cmd::EditCompleteWord, "Ctrl+Space", MenuId::Edit},
+        {Cmd::EditAutoIndentBrace, nullptr, MenuId::EditFormat},
+        {Cmd::EditAutoComplete, nullptr, MenuId::EditFormat},
+        {Cmd::ViewHighlightOccurrences, nullptr, MenuId::View}};
+    for (const auto& e : expected) {
+        if (e.key) {
+            EXPECT_EQ(commands.CommandForShortcut(QKeySequence(QString::fromLatin1(e.key))), e.id) << e.key;
+        }
+        EXPECT_TRUE(m_shell.Menus().Menu(e.menu)->actions().contains(commands.Action(e.id))) << e.id;
+    }
+}
+
+TEST_F(EditingInstallTest, TypingHelpSettingsAreKeptAcrossARestart)
+{
+    CCommandRegistry& commands = m_shell.Commands();
+    EXPECT_TRUE(commands.State(Cmd::EditAutoIndentBrace).checked);
+    EXPECT_FALSE(commands.State(Cmd::EditAutoComplete).checked);
+    EXPECT_TRUE(commands.State(Cmd::ViewHighlightOccurrences).checked);
+    for (const int id : {int(Cmd::EditAutoIndentBrace), int(Cmd::EditAutoComplete), int(Cmd::ViewHighlightOccurrences)})
+        commands.Execute(id);
+    Q_EMIT m_shell.Events().saveSettings();
+
+    CFakeShell again;
+    InstallSubsystems(again);
+    EXPECT_FALSE(again.Commands().State(Cmd::EditAutoIndentBrace).checked);
+    EXPECT_TRUE(again.Commands().State(Cmd::EditAutoComplete).checked);
+    EXPECT_FALSE(again.Commands().State(Cmd::ViewHighlightOccurrences).checked);
 }
 
 } // namespace

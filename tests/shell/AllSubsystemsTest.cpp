@@ -78,7 +78,7 @@ TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar
             texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
     }
     EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "White&space", "Line &Endings", "&Caret Line",
-                                  "Line &Numbers", "Code &Folding", "&Block Select", "&Match Bracket", "-",
+                                  "Line &Numbers", "Code &Folding", "&Block Select", "&Match Bracket", "&Highlight Occurrences", "-",
                                   "Zoom &In", "Zoom &Out", "&Reset Zoom", "-", "&Font...", "&Theme", "-",
                                   "&Output Bar", "File Explorer", "Project Explorer", "Code Library", "List Explorer", "&Explorer Bar", "-", "&Next Difference", "&Previous Difference",
                                   "Copy to &Left", "Copy to &Right", "S&wap Sides", "Re&compare",
