@@ -112,7 +112,7 @@ void InstallModernEditing(IShell& shell)
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::Descending); });
     add(Cmd::EditSortCaseInsensitive, "Sort Ignoring &Case", nullptr, "LinesSort",
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::CaseInsensitive); });
-    add(Cmd::EditSortUnique, "Sort &Unique", nullptr, "LinesSort",
+    add(Cmd::EditSortUnique, "Sort Uni&que", nullptr, "LinesSort",
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::Unique); });
 
     auto lexerMarkers = [](QsciScintillaBase& c) {
