@@ -88,8 +88,9 @@ bool CMainFrame::Create()
     m_commands->SetActiveChildProvider([this] { return ActiveChild(); });
     m_menus = new CMenuPlaces(this, *m_commands);
     DeclareStandardPlaces(*m_menus);
-    // The size is read once: a change takes effect at the next start.
-    const int iconSize = m_settings.view.LargeTBIcons ? 24 : 16;
+    // The size is read once: a change takes effect at the next start. Large icons are a
+    // little under the themes' 22 pixels so that the whole bar fits a window 1000 pixels wide.
+    const int iconSize = m_settings.view.LargeTBIcons ? 20 : 16;
     m_menus->ToolBar(ToolBarId::Standard)->setIconSize(QSize(iconSize, iconSize));
     // Icons the desktop's theme lacks are drawn.
     connect(m_commands, &CCommandRegistry::commandRegistered, this, &CMainFrame::ApplyFallbackIcon);

@@ -2,6 +2,7 @@
 
 #include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
+#include "shell/CMenuPlaces.h"
 #include "shell/CShellEvents.h"
 
 #include <QAbstractButton>
@@ -11,6 +12,7 @@
 #include <QMenuBar>
 #include <QMenu>
 #include <QTimer>
+#include <QToolBar>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
@@ -390,6 +392,22 @@ TEST_F(MainFrameTest, EveryMenuUsesEachMnemonicOnce)
     if (QMenu* tabs = Frame()->findChild<QMenu*>(QStringLiteral("TabContextMenu")))
         CollectMnemonicClashes(QStringLiteral("tab menu"), tabs->actions(), clashes);
     EXPECT_EQ(clashes, QStringList());
+}
+
+TEST_F(MainFrameTest, TheToolbarFitsAWindowAThousandPixelsWide)
+{
+    StartEmpty();
+    ASSERT_TRUE(OpenText("a.txt"));
+    Frame()->resize(1000, 700);
+    Settle();
+    QToolBar* bar = Frame()->Menus().ToolBar(ToolBarId::Standard);
+    ASSERT_TRUE(bar);
+    // No button goes behind an overflow arrow.
+    EXPECT_LE(bar->sizeHint().width(), Frame()->width());
+    for (QAction* action : bar->actions()) {
+        QWidget* button = bar->widgetForAction(action);
+        EXPECT_TRUE(action->isSeparator() || (button && button->isVisible())) << action->text().toStdString();
+    }
 }
 
 TEST_F(MainFrameTest, PasteFollowsTheClipboardWithoutAnyOtherEvent)
