@@ -8,6 +8,8 @@
 #include <QAbstractButton>
 #include <QClipboard>
 #include <QDialog>
+#include <QFontDialog>
+#include <QFontInfo>
 #include <QMap>
 #include <QMenuBar>
 #include <QMenu>
@@ -408,6 +410,28 @@ TEST_F(MainFrameTest, TheToolbarFitsAWindowAThousandPixelsWide)
         QWidget* button = bar->widgetForAction(action);
         EXPECT_TRUE(action->isSeparator() || (button && button->isVisible())) << action->text().toStdString();
     }
+}
+
+TEST_F(MainFrameTest, TheFontDialogStartsAtTheFontTheEditorDraws)
+{
+    StartEmpty();
+    ASSERT_TRUE(OpenText("a.txt"));
+    Frame()->Settings().view.FontSize = 13;
+    QFont shown;
+    QTimer poll;
+    poll.setInterval(10);
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (auto* dialog = qobject_cast<QFontDialog*>(QApplication::activeModalWidget())) {
+            shown = dialog->currentFont();
+            dialog->reject();
+        }
+    });
+    poll.start();
+    Run(Cmd::ViewFont);
+    // The configured family may be one the system stands another font in for.
+    const QString drawn = QFontInfo(QFont(Frame()->Settings().view.FontStyle, 13)).family();
+    EXPECT_EQ(shown.family(), drawn);
+    EXPECT_EQ(shown.pointSize(), 13);
 }
 
 TEST_F(MainFrameTest, PasteFollowsTheClipboardWithoutAnyOtherEvent)
