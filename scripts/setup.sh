@@ -9,7 +9,8 @@ build="${MORVANE_BUILD_DIR:-$here/build}"
 packages=(build-essential cmake ninja-build pkg-config ccache
           qt6-base-dev qt6-base-dev-tools libgl-dev libqscintilla2-qt6-dev
           libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
-          qt6-tools-dev qt6-tools-dev-tools poppler-utils)
+          qt6-tools-dev qt6-tools-dev-tools poppler-utils
+          adwaita-icon-theme hicolor-icon-theme)
 
 # --fuzz also installs clang and its libFuzzer and sanitizer runtimes (scripts/run-fuzzers.sh);
 # --install-only stops after installing. The ordinary build needs g++ alone.

@@ -17,6 +17,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QChildEvent>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDir>
@@ -26,6 +27,8 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QMessageBox>
+#include <QPointer>
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QTabBar>
@@ -61,8 +64,9 @@ CMainFrame::~CMainFrame()
     if (m_indicators)
         qApp->removeEventFilter(m_indicators);
     // The children go first, while this frame can still take their last signals.
-    disconnect(m_statusConnection);
     if (m_mdiArea) {
+        for (CChildFrame* child : ChildFrames())
+            child->disconnect(this);
         m_mdiArea->disconnect(this);
         delete takeCentralWidget();
     }
@@ -75,6 +79,8 @@ bool CMainFrame::Create()
     m_mdiArea = new QMdiArea(this);
     m_mdiArea->setObjectName(QStringLiteral("MdiArea"));
     setCentralWidget(m_mdiArea);
+    // The area is told of a closing sub-window through its viewport.
+    m_mdiArea->viewport()->installEventFilter(this);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &CMainFrame::OnSubWindowActivated);
 
     m_events = new CShellEvents(this);
@@ -121,6 +127,7 @@ void CMainFrame::ShowMainWindow()
     m_settings.MDITabInActive = store.GetProfileInt(QStringLiteral("Settings"),
                                                     QStringLiteral("MDITabInActive"), 0);
     show();
+    UpdatePositionPane();
     UpdateCommandUI();
     if (!std::exchange(m_shown, true))
         QTimer::singleShot(0, this, [this] { Q_EMIT m_events->firstIdle(); });
@@ -300,7 +307,9 @@ QList<PropertyPageFactory> CMainFrame::PropertyPages() const
 
 void CMainFrame::ApplyViewSettings()
 {
-    const int iconSize = m_settings.view.LargeTBIcons ? 24 : 16;
+    // Large icons are a little under the themes' 22 pixels so that the whole bar fits a
+    // window 1000 pixels wide.
+    const int iconSize = m_settings.view.LargeTBIcons ? 20 : 16;
     for (const QString& id : m_menus->ToolBarIds()) {
         if (QToolBar* bar = m_menus->ToolBar(id))
             bar->setIconSize(QSize(iconSize, iconSize));
@@ -380,8 +389,14 @@ void CMainFrame::OnFrameCreated(CChildFrame* frame)
     // Every document fills the area, with or without tabs, even when it arrives while
     // the window is still hidden at start-up.
     frame->showMaximized();
+    frame->installEventFilter(this);
+    // The caret or the selection moved: the position pane and the commands follow. Every
+    // frame is heard, as the first one may be in front before any activation is reported.
+    connect(frame, &CChildFrame::statusTextChanged, this, &CMainFrame::OnStatusTextChanged,
+            Qt::UniqueConnection);
     connect(frame, &QWidget::windowTitleChanged, this, &CMainFrame::UpdateTitle, Qt::UniqueConnection);
     connect(frame, &QObject::destroyed, this, &CMainFrame::UpdateTitle, Qt::QueuedConnection);
+    connect(frame, &QObject::destroyed, this, &CMainFrame::UpdatePositionPane, Qt::QueuedConnection);
     Q_EMIT m_events->frameCreated(frame);
     UpdateTitle();
     RequestCommandUpdate();
@@ -389,23 +404,61 @@ void CMainFrame::OnFrameCreated(CChildFrame* frame)
 
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window)
 {
-    disconnect(m_statusConnection);
     auto* child = qobject_cast<CChildFrame*>(window);
-    if (child) {
-        // The caret or the selection moved: the position pane and the commands follow.
-        m_statusConnection = connect(child, &CChildFrame::statusTextChanged, this,
-                                     [this](const QString& text) {
-                                         m_positionLabel->setText(text);
-                                         RequestCommandUpdate();
-                                     });
-        m_positionLabel->setText(child->StatusText());
-    } else {
-        m_positionLabel->clear();
+    if (window) {
+        // A document always fills the area: the area leaves a window it brings forward
+        // after a close at its restored size.
+        if (!window->isMaximized())
+            window->showMaximized();
     }
+    UpdatePositionPane();
     UpdateIndicators();
     UpdateTitle();
     RequestCommandUpdate();
     Q_EMIT m_events->activeChildChanged(child);
+}
+
+void CMainFrame::OnStatusTextChanged(const QString& text)
+{
+    if (sender() == ActiveChild())
+        m_positionLabel->setText(text);
+    RequestCommandUpdate();
+}
+
+bool CMainFrame::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Close && m_mdiArea) {
+        // The area would bring the first tab forward; the one beside the closed tab is
+        // where the user's eye is: the next one, or the one before the last. Chosen now,
+        // while the closing window is still in front and in the list.
+        auto* window = qobject_cast<QMdiSubWindow*>(watched);
+        const auto windows = m_mdiArea->subWindowList(QMdiArea::CreationOrder);
+        const qsizetype index = windows.indexOf(window);
+        m_closing = nullptr;
+        m_closingNeighbour = nullptr;
+        if (window && index >= 0 && windows.size() > 1 && window == m_mdiArea->activeSubWindow()) {
+            m_closing = window;
+            m_closingNeighbour = windows.at(index + 1 < windows.size() ? index + 1 : index - 1);
+        }
+    } else if (m_mdiArea && watched == m_mdiArea->viewport() && event->type() == QEvent::ChildRemoved) {
+        // Told when the close went through. Pointers are only compared: the child may be
+        // half destroyed already.
+        if (m_closing && static_cast<QChildEvent*>(event)->child() == static_cast<QObject*>(m_closing)) {
+            const QPointer<QMdiSubWindow> neighbour = std::exchange(m_closingNeighbour, nullptr);
+            m_closing = nullptr;
+            QTimer::singleShot(0, this, [this, neighbour] {
+                if (neighbour && m_mdiArea->subWindowList().contains(neighbour.data()))
+                    m_mdiArea->setActiveSubWindow(neighbour);
+            });
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void CMainFrame::UpdatePositionPane()
+{
+    CChildFrame* child = ActiveChild();
+    m_positionLabel->setText(child ? child->StatusText() : QString());
 }
 
 void CMainFrame::UpdateTitle()
@@ -526,24 +579,66 @@ void CMainFrame::closeEvent(QCloseEvent* event)
     m_commands->SaveShortcuts();
     Q_EMIT m_events->saveSettings();
 
-    const auto frames = ChildFrames();
-    QList<CDocument*> asked;
-    for (CChildFrame* child : frames) {
-        CDocument* document = child->GetDocument();
-        if (!document || asked.contains(document))
-            continue;
-        asked << document;
-        if (!document->SaveModified()) {
-            event->ignore();
-            return;
-        }
+    if (!AskToSaveAll()) {
+        event->ignore();
+        return;
     }
     // Everything has been saved or let go: close without asking again.
-    for (CDocument* document : std::as_const(asked))
-        document->SetModifiedFlag(false);
+    for (CChildFrame* child : ChildFrames()) {
+        if (CDocument* document = child->GetDocument())
+            document->SetModifiedFlag(false);
+    }
     Q_EMIT m_events->aboutToQuit();
     m_mdiArea->closeAllSubWindows();
     if (m_app)
         m_app->ExitInstance();
     event->accept();
+}
+
+bool CMainFrame::AskToSaveAll()
+{
+    QList<QPointer<CChildFrame>> pending;
+    QList<CDocument*> seen;
+    for (CChildFrame* child : ChildFrames()) {
+        CDocument* document = child->GetDocument();
+        if (document && !seen.contains(document)) {
+            seen << document;
+            if (document->IsModified())
+                pending << child;
+        }
+    }
+    // With more than one to ask about, one answer may stand for all the rest.
+    const int buttons = pending.size() > 1
+        ? int(QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::No | QMessageBox::NoToAll
+              | QMessageBox::Cancel)
+        : int(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    bool saveRest = false;
+    for (const QPointer<CChildFrame>& child : std::as_const(pending)) {
+        CDocument* document = child ? child->GetDocument() : nullptr;
+        if (!document || !document->IsModified())
+            continue;
+        if (!saveRest) {
+            // The question is about the document in front of the user.
+            ActivateChild(child);
+            QString name = document->GetPathName().isEmpty() ? document->GetTitle()
+                                                             : QFileInfo(document->GetPathName()).fileName();
+            if (name.endsWith(QLatin1Char('*')))
+                name.chop(1);
+            const int answer = QMessageBox::question(this, QApplication::applicationDisplayName(),
+                                                     tr("Save changes to %1?").arg(name),
+                                                     QMessageBox::StandardButtons(buttons), QMessageBox::Yes);
+            if (answer == QMessageBox::Cancel)
+                return false;
+            if (answer == QMessageBox::NoToAll)
+                return true;
+            if (answer == QMessageBox::No)
+                continue;
+            saveRest = answer == QMessageBox::YesToAll;
+        }
+        if (child)
+            ActivateChild(child);
+        if (!document->DoFileSave())
+            return false;
+    }
+    return true;
 }

@@ -91,6 +91,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     // FrameCommands.cpp
@@ -107,11 +108,15 @@ private:
     void ApplyViewSettings();
     void OnSubWindowActivated(QMdiSubWindow* window);
     void UpdateTitle();
+    void UpdatePositionPane();
+    void OnStatusTextChanged(const QString& text);
     void UpdateIndicators();
     void InstallTabs();
     void UninstallTabs();
     void ShowTabContextMenu(const QPoint& position);
     void DestroyModelessWindows();
+    // Asks about each modified document in turn, showing it; false on Cancel or a failed save.
+    bool AskToSaveAll();
 
     CMorvaneApp* m_app;
     MainFrameSettings m_settings;
@@ -128,6 +133,9 @@ private:
     QLabel* m_scrollLabel = nullptr;
     KeyboardIndicators* m_indicators = nullptr;
     QPointer<QTabBar> m_tabBar;
+    // The sub-window in front while it closes, and the one to bring forward after it.
+    QMdiSubWindow* m_closing = nullptr;
+    QPointer<QMdiSubWindow> m_closingNeighbour;
     QList<QPointer<QWidget>> m_modeless;
     QList<IOutputPage*> m_outputPages;
     QList<IExplorerPage*> m_explorerPages;
@@ -136,5 +144,4 @@ private:
     QProgressBar* m_progress = nullptr;
     qint64 m_progressRange = 0;
     bool m_shown = false;
-    QMetaObject::Connection m_statusConnection;
 };

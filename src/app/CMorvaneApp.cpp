@@ -1,5 +1,7 @@
 #include "CMorvaneApp.h"
 
+#include "CommandIcons.h"
+
 #include "settings/AppPaths.h"
 #include "framework/CDocTemplate.h"
 #include "framework/CChildFrame.h"
@@ -111,6 +113,7 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     m_pHexTemplate = CreateHexTemplate(this);
     WatchDocuments(m_pHexTemplate);
 
+    CommandIcons::UseDesktopTheme();
     m_pMainFrame = new CMainFrame(this);
     if (!m_pMainFrame->Create())
         return false;

@@ -2,6 +2,7 @@
 
 #include "framework/CommandIds.h"
 
+#include <QFileInfo>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
@@ -24,7 +25,7 @@ constexpr IconEntry kIcons[] = {
     {Cmd::FileOpen,           "document-open",         QStyle::SP_DialogOpenButton,    "O"},
     {Cmd::FileSave,           "document-save",         QStyle::SP_DialogSaveButton,    "S"},
     {Cmd::FileSaveAll,        "document-save-all",     -1,                             "SA"},
-    {Cmd::FileClose,          "document-close",        QStyle::SP_DialogCloseButton,   "x"},
+    {Cmd::FileClose,          "window-close",          QStyle::SP_DialogCloseButton,   "x"},
     {Cmd::FilePrint,          "document-print",        -1,                             "P"},
     {Cmd::FilePrintPreview,   "document-print-preview", -1,                            "Pv"},
     {Cmd::EditUndo,           "edit-undo",             -1,                             "\u21B6"},
@@ -55,6 +56,23 @@ constexpr IconEntry kIcons[] = {
     {Cmd::CheckForUpdates,    "system-software-update", -1,                            "\u21BB"},
 };
 // clang-format on
+
+// Two of an icon, one behind the other: "all of them".
+QIcon Doubled(const QIcon& single)
+{
+    QIcon icon;
+    for (const int size : {16, 24, 32}) {
+        const int part = size * 3 / 4;
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        painter.drawPixmap(size - part, 0, single.pixmap(part, part));
+        painter.drawPixmap(0, size - part, single.pixmap(part, part));
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
 
 // A glyph on a rounded square, in the palette's text colour, at both toolbar sizes.
 QIcon DrawGlyph(const QString& glyph, const QStyle* style)
@@ -92,9 +110,36 @@ QIcon CommandIcons::ForCommand(int commandId, const QStyle* style)
         const QString theme = QString::fromLatin1(entry.theme);
         if (QIcon::hasThemeIcon(theme))
             return QIcon::fromTheme(theme);
+        // Themes rarely draw "save all"; two save icons say it.
+        if (commandId == Cmd::FileSaveAll && QIcon::hasThemeIcon(QStringLiteral("document-save")))
+            return Doubled(QIcon::fromTheme(QStringLiteral("document-save")));
         if (entry.standard >= 0 && style)
             return style->standardIcon(static_cast<QStyle::StandardPixmap>(entry.standard));
         return DrawGlyph(QString::fromUtf8(entry.glyph), style);
     }
     return {};
+}
+
+void CommandIcons::UseDesktopTheme()
+{
+    // Full-colour themes first: their action icons read at toolbar sizes.
+    static const char* const kThemes[] = {"Adwaita", "breeze", "Tango", "oxygen"};
+    QString installed;
+    for (const char* name : kThemes) {
+        for (const QString& root : QIcon::themeSearchPaths()) {
+            if (QFileInfo::exists(root + QLatin1Char('/') + QLatin1String(name) + QStringLiteral("/index.theme"))) {
+                installed = QLatin1String(name);
+                break;
+            }
+        }
+        if (!installed.isEmpty())
+            break;
+    }
+    if (installed.isEmpty())
+        return;
+    const QString current = QIcon::themeName();
+    if (current.isEmpty() || current == QLatin1String("hicolor"))
+        QIcon::setThemeName(installed);
+    else if (QIcon::fallbackThemeName().isEmpty() || QIcon::fallbackThemeName() == QLatin1String("hicolor"))
+        QIcon::setFallbackThemeName(installed);
 }

@@ -11,4 +11,9 @@ namespace CommandIcons {
 
 QIcon ForCommand(int commandId, const QStyle* style);
 
+// Picks an installed freedesktop theme when the desktop names none (a bare window
+// manager leaves the toolkit on "hicolor", which holds no command icons), and makes it
+// the fallback of a named theme that lacks some.
+void UseDesktopTheme();
+
 } // namespace CommandIcons

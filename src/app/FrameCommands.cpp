@@ -55,6 +55,9 @@ void CMainFrame::RegisterFrameCommands()
                        .iconName = QStringLiteral("document-close"),
                        .run = [this] { if (CChildFrame* child = ActiveChild()) child->close(); },
                        .update = hasDocument});
+    // Ctrl+F4 as well, the key Windows users reach for.
+    if (QAction* close = commands.Action(FileClose))
+        close->setShortcuts({QKeySequence(QStringLiteral("Ctrl+W")), QKeySequence(QStringLiteral("Ctrl+F4"))});
     commands.Register({.id = FileSave, .text = tr("&Save"), .category = file,
                        .shortcut = QKeySequence(QKeySequence::Save), .iconName = QStringLiteral("document-save"),
                        .run = [this] { if (CDocument* d = ActiveDocument()) d->DoFileSave(); },

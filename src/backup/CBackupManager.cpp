@@ -179,7 +179,7 @@ void CBackupManager::Register()
     CCommandRegistry& commands = m_shell.Commands();
     CommandInfo cmd;
     cmd.id = Cmd::DocumentHistory;
-    cmd.text = tr("View Document &History");
+    cmd.text = tr("View Documen&t History");
     cmd.category = QStringLiteral("File");
     cmd.iconName = QStringLiteral("document-open-recent");
     cmd.run = [this] { ShowHistory(); };

@@ -98,7 +98,7 @@ void CCompareCommands::Register()
 
     cmd = {};
     cmd.id = Cmd::CompareWithSaved;
-    cmd.text = tr("Compare with Sa&ved");
+    cmd.text = tr("Co&mpare with Saved");
     cmd.category = file;
     cmd.run = [this] { CompareWithSaved(); };
     cmd.update = [this](CCmdUI& ui) {
@@ -117,15 +117,15 @@ void CCompareCommands::Register()
         QKeySequence key;
         QString icon;
     } routed[] = {
-        {Cmd::CompareNextDifference, tr("&Next Difference"), QKeySequence(Qt::Key_F8), QStringLiteral("go-down")},
-        {Cmd::ComparePreviousDifference, tr("&Previous Difference"), QKeySequence(Qt::SHIFT | Qt::Key_F8),
+        {Cmd::CompareNextDifference, tr("Next &Difference"), QKeySequence(Qt::Key_F8), QStringLiteral("go-down")},
+        {Cmd::ComparePreviousDifference, tr("Pre&vious Difference"), QKeySequence(Qt::SHIFT | Qt::Key_F8),
          QStringLiteral("go-up")},
         {Cmd::CompareCopyToLeft, tr("Copy to &Left"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Left),
          QStringLiteral("go-previous")},
-        {Cmd::CompareCopyToRight, tr("Copy to &Right"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Right),
+        {Cmd::CompareCopyToRight, tr("Cop&y to Right"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Right),
          QStringLiteral("go-next")},
-        {Cmd::CompareSwapSides, tr("S&wap Sides"), {}, {}},
-        {Cmd::CompareRecompare, tr("Re&compare"), {}, QStringLiteral("view-refresh")},
+        {Cmd::CompareSwapSides, tr("Swa&p Sides"), {}, {}},
+        {Cmd::CompareRecompare, tr("&Recompare"), {}, QStringLiteral("view-refresh")},
     };
     for (const auto& r : routed) {
         cmd = {};
@@ -144,8 +144,8 @@ void CCompareCommands::Register()
         QString text;
         bool DiffOptions::*member;
     } toggles[] = {
-        {Cmd::CompareIgnoreWhitespace, tr("Ignore W&hitespace Changes"), &DiffOptions::ignoreWhitespace},
-        {Cmd::CompareIgnoreCase, tr("Ignore C&ase"), &DiffOptions::ignoreCase},
+        {Cmd::CompareIgnoreWhitespace, tr("Ignore Whitespace Changes"), &DiffOptions::ignoreWhitespace},
+        {Cmd::CompareIgnoreCase, tr("Ignore Case"), &DiffOptions::ignoreCase},
     };
     for (const auto& t : toggles) {
         cmd = {};
@@ -179,8 +179,9 @@ CCompareFrame* CCompareCommands::CompareFiles(const QString& leftPath, const QSt
 {
     const QString paths[2] = {QFileInfo(leftPath).absoluteFilePath(), QFileInfo(rightPath).absoluteFilePath()};
     CompareSource sources[2];
+    const AnsiCodePage codePage = CCompareDoc::CodePage();
     for (int side = 0; side < 2; ++side) {
-        sources[side] = CompareSource::Read(paths[side]);
+        sources[side] = CompareSource::Read(paths[side], &codePage);
         if (!sources[side].ok()) {
             QMessageBox::warning(m_shell.Window(), QApplication::applicationDisplayName(),
                                  tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(paths[side]), sources[side].error));
@@ -233,7 +234,8 @@ CCompareFrame* CCompareCommands::CompareWithSaved()
     const QString path = frame->GetDocument()->GetPathName();
     if (!QFileInfo(path).isFile())
         return nullptr;
-    CompareSource saved = CompareSource::Read(path);
+    const AnsiCodePage codePage = CCompareDoc::CodePage();
+    CompareSource saved = CompareSource::Read(path, &codePage);
     if (!saved.ok()) {
         QMessageBox::warning(m_shell.Window(), QApplication::applicationDisplayName(),
                              tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), saved.error));
@@ -244,9 +246,8 @@ CCompareFrame* CCompareCommands::CompareWithSaved()
     const long length = control->SendScintilla(QsciScintillaBase::SCI_GETLENGTH);
     unsaved.text = QByteArray(reinterpret_cast<const char*>(control->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER)),
                               length);
-    const bool utf8 = control->SendScintilla(QsciScintillaBase::SCI_GETCODEPAGE) == QsciScintillaBase::SC_CP_UTF8;
-    unsaved.encoding = utf8 ? (TextEncoding::HeldAsUtf8(saved.encoding) ? saved.encoding : int(TextEncoding::Utf8))
-                            : int(TextEncoding::Ansi);
+    // The control holds every encoding as UTF-8, as the panes do.
+    unsaved.encoding = saved.binary ? int(TextEncoding::Utf8) : saved.encoding;
     if (saved.binary)
         saved.text.clear();
     const QString name = QFileInfo(path).fileName();

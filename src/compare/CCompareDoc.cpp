@@ -2,6 +2,8 @@
 
 #include "compare/CCompareView.h"
 
+#include "settings/CRegistryStore.h"
+
 #include <QFileInfo>
 
 CCompareDoc::CCompareDoc(QObject* parent)
@@ -42,4 +44,11 @@ bool CCompareDoc::DoSave(const QString& path, bool replace)
     Q_UNUSED(path);
     Q_UNUSED(replace);
     return m_view && m_view->SaveModifiedSides();
+}
+
+AnsiCodePage CCompareDoc::CodePage()
+{
+    return AnsiCodePage(CRegistryStore().GetProfileString(QStringLiteral("EditSettings"),
+                                                          QStringLiteral("AnsiCodePage"),
+                                                          QString::fromLatin1(AnsiCodePage::DefaultName)));
 }

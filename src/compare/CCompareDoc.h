@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/AnsiCodePage.h"
 #include "framework/CDocument.h"
 
 #include <QPointer>
@@ -24,6 +25,9 @@ public:
     };
 
     explicit CCompareDoc(QObject* parent = nullptr);
+
+    // The code page "Ansi" sides are read and written in: the one the editor uses.
+    static AnsiCodePage CodePage();
 
     Side& GetSide(int side) { return m_sides[side]; }
     const Side& GetSide(int side) const { return m_sides[side]; }

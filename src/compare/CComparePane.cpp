@@ -71,7 +71,7 @@ void CComparePane::ApplyOwnStyles()
     SendScintilla(SCI_SETWRAPMODE, static_cast<unsigned long>(SC_WRAP_NONE));
 }
 
-void CComparePane::SetText(const QByteArray& text, bool utf8)
+void CComparePane::SetText(const QByteArray& text)
 {
     const bool wasReadOnly = IsReadOnly();
     SetReadOnly(false);
@@ -87,7 +87,8 @@ void CComparePane::SetText(const QByteArray& text, bool utf8)
         ApplyOwnStyles();
     }
     SendScintilla(SCI_SETUNDOCOLLECTION, 0UL);
-    SendScintilla(SCI_SETCODEPAGE, utf8 ? static_cast<unsigned long>(SC_CP_UTF8) : 0UL);
+    // Every side reaches the pane as UTF-8, "Ansi" decoded through its code page.
+    SendScintilla(SCI_SETCODEPAGE, static_cast<unsigned long>(SC_CP_UTF8));
     SendScintilla(SCI_CLEARALL);
     if (!large) // a large document was made at its size already
         SendScintilla(SCI_ALLOCATE, static_cast<unsigned long>(text.size() + 1000));

@@ -24,7 +24,7 @@ public:
     void ApplyOwnStyles();
 
     // Replaces the text without an undo step and marks it unmodified.
-    void SetText(const QByteArray& text, bool utf8);
+    void SetText(const QByteArray& text);
     // A copy of the whole text.
     QByteArray Text() const;
     long Length() const { return long(SendScintilla(SCI_GETLENGTH)); }

@@ -125,7 +125,7 @@ CCompareView::CCompareView(CCompareDoc* document, const CompareSource& left, con
     m_filling = true;
     for (int side = 0; side < 2; ++side) {
         CComparePane* pane = m_panes[side];
-        pane->SetText(sources[side]->text, TextEncoding::HeldAsUtf8(sources[side]->encoding));
+        pane->SetText(sources[side]->text);
         pane->SetReadOnly(document->GetSide(side).readOnly);
         if (m_colourer)
             m_colourer(*pane, sources[side]->path);
@@ -479,9 +479,18 @@ bool CCompareView::SaveSide(int side)
     if (!pane->IsModified() || s.readOnly)
         return true;
     const QByteArray text = pane->Text();
+    const AnsiCodePage codePage = CCompareDoc::CodePage();
+    if (s.encoding == TextEncoding::Ansi && !codePage.CanHold(text.constData(), std::size_t(text.size()))) {
+        // A stand-in for what the code page lacks would lose text for good.
+        QMessageBox::warning(QApplication::activeWindow(), QApplication::applicationDisplayName(),
+                             tr("\"%1\" holds characters that the code page %2 cannot hold. "
+                                "Save it from the editor to choose another encoding.")
+                                 .arg(QDir::toNativeSeparators(s.path), codePage.Name()));
+        return false;
+    }
     if (m_document)
         Q_EMIT m_document->aboutToSave(s.path);
-    EncodingWriter writer(s.encoding, s.writeMark);
+    EncodingWriter writer(s.encoding, s.writeMark, &codePage);
     TextFile file;
     bool ok = file.OpenWrite(s.path);
     if (ok) {

@@ -6,7 +6,7 @@
 
 #include <QFile>
 
-CompareSource CompareSource::Read(const QString& path)
+CompareSource CompareSource::Read(const QString& path, const AnsiCodePage* codePage)
 {
     CompareSource source;
     source.path = path;
@@ -31,14 +31,14 @@ CompareSource CompareSource::Read(const QString& path)
         source.text = std::move(bytes);
         return source;
     }
-    if (source.encoding == TextEncoding::Ansi || source.encoding == TextEncoding::Utf8) {
-        // The control holds these bytes as they are: only the mark goes.
+    if (source.encoding == TextEncoding::Utf8) {
+        // The control holds UTF-8 as it is: only the mark goes.
         if (source.bomLength > 0)
             bytes.remove(0, source.bomLength);
         source.text = std::move(bytes);
         return source;
     }
-    EncodingReader reader(source.encoding, source.bomLength);
+    EncodingReader reader(source.encoding, source.bomLength, codePage);
     const std::string_view text = reader.Feed(bytes.constData(), std::size_t(bytes.size()));
     source.text = QByteArray(text.data(), qsizetype(text.size()));
     const std::string_view rest = reader.Finish();

@@ -3,8 +3,10 @@
 #include <QByteArray>
 #include <QString>
 
+class AnsiCodePage;
+
 // One side of a compare read from disk: the text as the editing control holds it
-// (UTF-8, or the bytes themselves for "Ansi"), with what is needed to write it back
+// (UTF-8, "Ansi" decoded through its code page), with what is needed to write it back
 // in the same form.
 struct CompareSource
 {
@@ -20,7 +22,8 @@ struct CompareSource
 
     bool ok() const { return error.isEmpty(); }
 
-    // Reads `path`, finding its encoding the way the text document does. A binary file
-    // is read as it is, for a byte compare.
-    static CompareSource Read(const QString& path);
+    // Reads `path`, finding its encoding the way the text document does; "Ansi" text goes
+    // through `codePage` (windows-1252 when none is given). A binary file is read as it
+    // is, for a byte compare.
+    static CompareSource Read(const QString& path, const AnsiCodePage* codePage = nullptr);
 };

@@ -186,7 +186,7 @@ void InstallModernEditing(IShell& shell)
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::Descending); });
     add(Cmd::EditSortCaseInsensitive, "Sort Ignoring &Case", nullptr, "LinesSort",
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::CaseInsensitive); });
-    add(Cmd::EditSortUnique, "Sort &Unique", nullptr, "LinesSort",
+    add(Cmd::EditSortUnique, "Sort Uni&que", nullptr, "LinesSort",
         [](QsciScintillaBase& c) { SortLines(c, SortOrder::Unique); });
 
     auto lexerMarkers = [](QsciScintillaBase& c) {
@@ -252,7 +252,7 @@ void InstallModernEditing(IShell& shell)
               &CModernEditing::BraceIndentOn);
     addToggle(Cmd::EditAutoComplete, "Complete Words &Automatically", MenuId::EditFormat, MenuGroup::FormatSpaces,
               &CModernEditing::AutoCompleteOn);
-    commands.Register({.id = Cmd::ViewHighlightOccurrences, .text = Tr("&Highlight Occurrences"),
+    commands.Register({.id = Cmd::ViewHighlightOccurrences, .text = Tr("Highlight Occurrence&s"),
                        .category = Tr("View"), .checkable = true,
                        .run = [editing] { editing->SetHighlight(!editing->HighlightOn()); },
                        .update = [editing](CCmdUI& ui) {

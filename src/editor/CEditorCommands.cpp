@@ -17,6 +17,7 @@
 #include <QCoreApplication>
 #include <QFont>
 #include <QFontDialog>
+#include <QFontInfo>
 #include <QMainWindow>
 #include <QMenu>
 
@@ -34,11 +35,11 @@ struct ViewToggle
 };
 constexpr ViewToggle kViewToggles[] = {
     {ViewWordWrap, &ViewSettings::WordWrap, QT_TRANSLATE_NOOP("CEditorCommands", "&Word Wrap")},
-    {ViewWhitespace, &ViewSettings::Whitespace, QT_TRANSLATE_NOOP("CEditorCommands", "White&space")},
+    {ViewWhitespace, &ViewSettings::Whitespace, QT_TRANSLATE_NOOP("CEditorCommands", "W&hitespace")},
     {ViewLineEndings, &ViewSettings::LineEndings, QT_TRANSLATE_NOOP("CEditorCommands", "Line &Endings")},
     {ViewCaretLine, &ViewSettings::CaretLine, QT_TRANSLATE_NOOP("CEditorCommands", "&Caret Line")},
     {ViewLineNumbers, &ViewSettings::LineNumbers, QT_TRANSLATE_NOOP("CEditorCommands", "Line &Numbers")},
-    {ViewCodeFolding, &ViewSettings::CodeFolding, QT_TRANSLATE_NOOP("CEditorCommands", "Code &Folding")},
+    {ViewCodeFolding, &ViewSettings::CodeFolding, QT_TRANSLATE_NOOP("CEditorCommands", "Code Foldin&g")},
     {ViewBlockSelect, &ViewSettings::BlockSelect, QT_TRANSLATE_NOOP("CEditorCommands", "&Block Select")},
     {ViewMatchBracket, &ViewSettings::MatchBracket, QT_TRANSLATE_NOOP("CEditorCommands", "&Match Bracket")},
 };
@@ -358,6 +359,11 @@ void CEditorCommands::OnViewFont()
     QFont current(v.FontStyle, v.FontSize);
     current.setBold(v.FontBold != 0);
     current.setItalic(v.FontItalic != 0);
+    // The dialog lists installed families only: a name the system stands another font in
+    // for (Courier New, on most systems here) would select the list's first entry.
+    const QString drawn = QFontInfo(current).family();
+    if (!drawn.isEmpty())
+        current.setFamily(drawn);
     QFontDialog dialog(current, m_shell.Window());
     dialog.setObjectName(QStringLiteral("FontDialog"));
     dialog.setOption(QFontDialog::DontUseNativeDialog, true);

@@ -88,8 +88,9 @@ void CMFCScintilla::SetFolding(bool on)
         SendScintilla(SCI_SETPROPERTY, "fold.html", "1");
         SendScintilla(SCI_SETPROPERTY, "fold.html.preprocessor", "1");
     } else {
-        // "fold" stays on: the levels are still needed to unfold what was folded.
-        SendScintilla(SCI_SETMARGINMASKN, FoldMargin, 15L);
+        // "fold" stays on: the levels are still needed to unfold what was folded. The
+        // bookmark margin alone shows bookmarks, or each would be drawn twice.
+        SendScintilla(SCI_SETMARGINMASKN, FoldMargin, 15L & ~(1L << BookmarkMarker));
         SendScintilla(SCI_SETMARGINSENSITIVEN, FoldMargin, 0L);
     }
 }

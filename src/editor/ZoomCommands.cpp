@@ -105,7 +105,7 @@ void InstallZoom(IShell& shell)
     const Command commands[] = {
         {Cmd::ViewZoomIn, QT_TRANSLATE_NOOP("Zoom", "Zoom &In"), QKeySequence(QStringLiteral("Ctrl++")), "zoom-in", 1},
         {Cmd::ViewZoomOut, QT_TRANSLATE_NOOP("Zoom", "Zoom &Out"), QKeySequence(QStringLiteral("Ctrl+-")), "zoom-out", -1},
-        {Cmd::ViewZoomReset, QT_TRANSLATE_NOOP("Zoom", "&Reset Zoom"), QKeySequence(QStringLiteral("Ctrl+0")), "zoom-original", 0},
+        {Cmd::ViewZoomReset, QT_TRANSLATE_NOOP("Zoom", "Reset &Zoom"), QKeySequence(QStringLiteral("Ctrl+0")), "zoom-original", 0},
     };
     for (const Command& command : commands) {
         CommandInfo cmd;

@@ -56,7 +56,7 @@ void RegisterToggles(IShell& shell, CExplorerBar* bar)
 
     CommandInfo all;
     all.id = ExplorerCmd::ViewExplorerBar;
-    all.text = Tr("&Explorer Bar");
+    all.text = Tr("E&xplorer Bar");
     all.category = Tr("View");
     all.checkable = true;
     all.run = [bar] { bar->SetBarVisible(!bar->IsBarVisible()); };
@@ -99,7 +99,7 @@ void RegisterWorkspaceCommands(IShell& shell, CExplorerBar* bar, CSolutionBarPro
 
     add(ExplorerCmd::WorkspaceNew, QT_TRANSLATE_NOOP("Explorer", "&Workspace"),
         [tree] { tree->CommandNewWorkspace(); }, nullptr);
-    add(ExplorerCmd::WorkspaceOpen, QT_TRANSLATE_NOOP("Explorer", "Op&en Workspace"),
+    add(ExplorerCmd::WorkspaceOpen, QT_TRANSLATE_NOOP("Explorer", "Open Wor&kspace"),
         [tree] { tree->CommandOpenWorkspace(); }, nullptr);
     add(ExplorerCmd::WorkspaceSave, QT_TRANSLATE_NOOP("Explorer", "Sa&ve Workspace"),
         [tree] { tree->CommandSaveWorkspace(); }, whenOpen);

@@ -2,13 +2,21 @@
 
 #include "framework/CDocument.h"
 
+#include <QAction>
 #include <QCloseEvent>
+#include <QMenu>
 
 CChildFrame::CChildFrame(CDocument* document, QWidget* parent)
     : QMdiSubWindow(parent)
     , m_pDocument(document)
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    // The toolkit's window menu binds Ctrl+W and Ctrl+F4 in every sub-window; with two
+    // documents open each key would be bound twice and do nothing. File > Close has them.
+    if (QMenu* menu = systemMenu()) {
+        for (QAction* action : menu->actions())
+            action->setShortcuts({});
+    }
     if (document) {
         document->AddFrame(this);
         setWindowTitle(document->GetTitle());
@@ -26,7 +34,7 @@ void CChildFrame::closeEvent(QCloseEvent* event)
 {
     CDocument* document = m_pDocument;
     if (!document) {
-        event->accept();
+        QMdiSubWindow::closeEvent(event);
         return;
     }
     // Only the last view of a document asks about its changes.
@@ -40,7 +48,9 @@ void CChildFrame::closeEvent(QCloseEvent* event)
     } else {
         document->RemoveFrame(this);
     }
-    event->accept();
+    // The area hears of the close now, not when the frame is deleted: it drops the tab and
+    // brings the neighbouring one forward, and the rest stay as they were.
+    QMdiSubWindow::closeEvent(event);
 }
 
 void CChildFrame::focusInEvent(QFocusEvent* event)

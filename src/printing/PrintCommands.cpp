@@ -238,7 +238,7 @@ void InstallPrinting(IShell& shell)
         shell.Menus().AddCommand(MenuId::File, MenuGroup::FilePrint, id);
     };
     add(Cmd::FilePageSetup, "Page Set&up...", {}, "document-page-setup", [commands] { commands->OnPageSetup(); }, false);
-    add(Cmd::FilePrintPreview, "Print Pre&view", {}, "document-print-preview", [commands] { commands->OnPrintPreview(); }, true);
+    add(Cmd::FilePrintPreview, "P&rint Preview", {}, "document-print-preview", [commands] { commands->OnPrintPreview(); }, true);
     add(Cmd::FilePrint, "&Print...", QKeySequence::Print, "document-print", [commands] { commands->OnFilePrint(false); }, true);
     add(Cmd::FilePrintDirect, "Print &Direct", {}, "document-print", [commands] { commands->OnFilePrint(true); }, true);
     add(Cmd::FileExportPdf, "Expor&t as PDF...", {}, "application-pdf", [commands] { commands->OnExportPdf(); }, true);

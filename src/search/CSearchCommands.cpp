@@ -103,7 +103,7 @@ void CSearchCommands::CreateFindBox()
     box->setEditable(true);
     box->setInsertPolicy(QComboBox::NoInsert);
     box->setHistorySection(QStringLiteral("FindBox"));
-    box->setFixedWidth(175);
+    box->setFixedWidth(110);
     box->setMaxVisibleItems(8); // a list about 150 pixels high
     box->setToolTip(tr("Find"));
     box->loadHistory();

@@ -21,7 +21,7 @@ void DeclareStandardPlaces(CMenuPlaces& places)
                         FileRecent, FileExit});
     // "New" leads the Open group: no line between it and "Open...".
     places.DeclareMenu(MenuId::FileNew, Tr("&New"), {Default}, MenuId::File, FileOpen);
-    places.DeclareMenu(MenuId::FileRecent, Tr("Recent &Files"), {Default}, MenuId::File, FileRecent);
+    places.DeclareMenu(MenuId::FileRecent, Tr("Recent F&iles"), {Default}, MenuId::File, FileRecent);
 
     places.DeclareMenu(MenuId::Edit, Tr("&Edit"),
                        {EditUndo, EditClipboard, EditSelect, EditSubMenus, EditLines, EditOther});

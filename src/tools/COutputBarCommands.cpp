@@ -33,7 +33,7 @@ COutputBarCommands::COutputBarCommands(IShell& shell)
     });
 
     shell.Commands().Register({.id = Cmd::ViewOutputBar,
-                               .text = tr("&Output Bar"),
+                               .text = tr("O&utput Bar"),
                                .category = tr("View"),
                                .checkable = true,
                                .run = [this] { m_dock->setVisible(!m_dock->isVisible()); },

@@ -189,7 +189,8 @@ void CToolBarCustomiser::ApplyPresentation(QToolBar* bar)
 {
     if (!bar)
         return;
-    const int size = LargeIcons() ? 24 : 16;
+    // Large is a little under the themes' 22 pixels, so that the standard bar fits 1000 pixels.
+    const int size = LargeIcons() ? 20 : 16;
     bar->setIconSize(QSize(size, size));
 }
 

@@ -27,7 +27,7 @@ CUserToolsManager::CUserToolsManager(IShell& shell, QObject* parent)
     m_page->SetOpenHandler([this](const OutputLink& link) { OpenLink(link); });
 
     m_shell.Commands().Register({.id = UserTools::StopCommand,
-                                 .text = tr("S&top Tool"),
+                                 .text = tr("&Stop Tool"),
                                  .category = tr("Tools"),
                                  .iconName = QStringLiteral("process-stop"),
                                  .toolTip = tr("Stop the running tool"),

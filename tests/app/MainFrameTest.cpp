@@ -5,14 +5,24 @@
 #include "properties/CPageGeneralMore.h"
 #include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
+#include "shell/CMenuPlaces.h"
 #include "shell/CShellEvents.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
+#include <QFontDialog>
+#include <QFontInfo>
 #include <QMap>
+#include <QMenuBar>
+#include <QMenu>
+#include <QTimer>
+#include <QToolBar>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPointer>
+#include <QSet>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -157,6 +167,109 @@ TEST_F(MainFrameTest, CancelAtTheSavePromptLeavesModelessWindowsGoneAndSettingsW
     EXPECT_TRUE(frame->GetDocument()->IsModified());
 }
 
+// Answers each save question at quit with the next button of a list, noting which
+// document was in front when it was asked.
+class QuitAnswerer : public QObject
+{
+public:
+    explicit QuitAnswerer(QList<int> answers)
+        : m_answers(std::move(answers))
+    {
+        m_timer.setInterval(10);
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box || m_answers.isEmpty())
+                return;
+            CDocument* front = CMorvaneApp::MainFrame()->ActiveDocument();
+            asked << (front ? QFileInfo(front->GetPathName()).fileName() : QString());
+            offersAll = box->button(QMessageBox::YesToAll) && box->button(QMessageBox::NoToAll);
+            EXPECT_TRUE(box->text().contains(asked.last())) << box->text().toStdString();
+            box->button(QMessageBox::StandardButton(m_answers.takeFirst()))->click();
+        });
+        m_timer.start();
+    }
+    QStringList asked;
+    bool offersAll = false;
+
+private:
+    QTimer m_timer;
+    QList<int> m_answers;
+};
+
+TEST_F(MainFrameTest, QuittingAsksAboutEachModifiedDocumentInFrontWithAnswersForAll)
+{
+    struct Case
+    {
+        const char* name;
+        QList<int> answers;
+        QStringList asked;
+        QList<bool> saved; // a.txt, c.txt, d.txt
+        bool closes;
+    };
+    const QStringList all{QStringLiteral("a.txt"), QStringLiteral("c.txt"), QStringLiteral("d.txt")};
+    const Case cases[] = {
+        {"each", {QMessageBox::Yes, QMessageBox::No, QMessageBox::Yes}, all, {true, false, true}, true},
+        {"yes to all", {QMessageBox::No, QMessageBox::YesToAll}, all.mid(0, 2), {false, true, true}, true},
+        {"no to all", {QMessageBox::Yes, QMessageBox::NoToAll}, all.mid(0, 2), {true, false, false}, true},
+        {"cancel", {QMessageBox::Yes, QMessageBox::Cancel}, all.mid(0, 2), {true, false, false}, false},
+    };
+    for (const Case& c : cases) {
+        App()->Shutdown();
+        StartEmpty();
+        QList<CScrivelFrame*> frames;
+        for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt"})
+            frames << OpenText(name, "old\n");
+        ASSERT_FALSE(frames.contains(nullptr));
+        for (CScrivelFrame* frame : {frames[0], frames[2], frames[3]})
+            Editor(frame)->SendScintilla(Sci::SCI_APPENDTEXT, 3UL, "new");
+        QuitAnswerer answerer(c.answers);
+        EXPECT_EQ(Frame()->close(), c.closes) << c.name;
+        EXPECT_EQ(answerer.asked, c.asked) << c.name;
+        EXPECT_TRUE(answerer.offersAll) << c.name;
+        for (int i = 0; i < 3; ++i) {
+            EXPECT_EQ(TestSupport::ReadFile(QDir(m_dir).filePath(all[i])),
+                      c.saved[i] ? QByteArray("old\nnew") : QByteArray("old\n"))
+                << c.name << " " << all[i].toStdString();
+        }
+    }
+}
+
+TEST_F(MainFrameTest, OneModifiedDocumentIsAskedAboutWithoutAnswersForAll)
+{
+    StartEmpty();
+    CScrivelFrame* frame = OpenText("a.txt", "old\n");
+    ASSERT_TRUE(frame && OpenText("b.txt"));
+    Editor(frame)->SendScintilla(Sci::SCI_APPENDTEXT, 3UL, "new");
+    QuitAnswerer answerer({QMessageBox::No});
+    EXPECT_TRUE(Frame()->close());
+    EXPECT_EQ(answerer.asked, QStringList{QStringLiteral("a.txt")});
+    EXPECT_FALSE(answerer.offersAll);
+}
+
+TEST_F(MainFrameTest, PositionPaneShowsForTheFirstDocument)
+{
+    // Opened from the command line, before the window shows, and into an empty window.
+    for (const bool atStart : {true, false}) {
+        App()->Shutdown();
+        const QString path = MakeFile(QStringLiteral("first.txt"), "one\ntwo\n");
+        if (atStart) {
+            ASSERT_TRUE(App()->InitInstance({path}));
+        } else {
+            StartEmpty();
+            EXPECT_EQ(Frame()->PositionText(), QString());
+            ASSERT_TRUE(OpenText("first.txt", "one\ntwo\n"));
+        }
+        Settle();
+        EXPECT_TRUE(Frame()->PositionText().startsWith(QStringLiteral("Ln  1 "))) << atStart << " "
+            << Frame()->PositionText().toStdString();
+        auto* frame = qobject_cast<CScrivelFrame*>(Frame()->ActiveChild());
+        ASSERT_TRUE(frame);
+        Editor(frame)->GotoPos(Sci(frame, Sci::SCI_POSITIONFROMLINE, 1));
+        Settle();
+        EXPECT_TRUE(Frame()->PositionText().startsWith(QStringLiteral("Ln  2 "))) << atStart;
+    }
+}
+
 TEST_F(MainFrameTest, TitleFollowsTheActiveDocument)
 {
     StartEmpty();
@@ -211,8 +324,18 @@ TEST_F(MainFrameTest, NewWindowShowsTheSameTextAndClosingOneViewKeepsTheDocument
 TEST_F(MainFrameTest, NoTwoCommandsShareAKey)
 {
     StartEmpty();
+    // Each kind of sub-window brings its own window menu: with two of a kind open, a key
+    // bound there would be bound twice.
+    ASSERT_TRUE(OpenText("a.txt") && OpenText("b.txt") && OpenHex("c.bin") && OpenHex("d.bin"));
+    QSet<QAction*> actions;
+    for (QAction* action : Frame()->findChildren<QAction*>())
+        actions.insert(action);
+    for (QWidget* widget : Frame()->findChildren<QWidget*>()) {
+        for (QAction* action : widget->actions())
+            actions.insert(action);
+    }
     QMap<QString, QString> owners;
-    for (QAction* action : Frame()->findChildren<QAction*>()) {
+    for (QAction* action : std::as_const(actions)) {
         for (const QKeySequence& key : action->shortcuts()) {
             EXPECT_FALSE(owners.contains(key.toString()))
                 << key.toString().toStdString() << ": " << owners.value(key.toString()).toStdString() << " and "
@@ -225,6 +348,96 @@ TEST_F(MainFrameTest, NoTwoCommandsShareAKey)
         EXPECT_FALSE(owners.contains(QKeySequence(QString::fromLatin1(key)).toString())) << key;
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+G")), QStringLiteral("Goto..."));
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Q")), QStringLiteral("Comment"));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+W")), QStringLiteral("&Close"));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+F4")), QStringLiteral("&Close"));
+}
+
+// The letter after a lone "&", lower case; a null character when there is none.
+QChar Mnemonic(const QString& text)
+{
+    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
+        if (text.at(i) != QLatin1Char('&'))
+            continue;
+        if (text.at(i + 1) == QLatin1Char('&')) {
+            ++i;
+            continue;
+        }
+        return text.at(i + 1).toLower();
+    }
+    return {};
+}
+
+// Each menu's items, and the menu bar's titles, use a mnemonic letter once.
+void CollectMnemonicClashes(const QString& where, const QList<QAction*>& actions, QStringList& clashes)
+{
+    QMap<QChar, QString> seen;
+    for (QAction* action : actions) {
+        if (action->isSeparator() || !action->isVisible())
+            continue;
+        const QChar key = Mnemonic(action->text());
+        if (!key.isNull() && !key.isSpace()) {
+            if (seen.contains(key))
+                clashes << QStringLiteral("%1: '%2' in \"%3\" and \"%4\"").arg(where, key, seen.value(key), action->text());
+            seen.insert(key, action->text());
+        } else if (action->text().endsWith(QLatin1Char('&'))) {
+            clashes << QStringLiteral("%1: \"%2\" ends in an ampersand").arg(where, action->text());
+        }
+        if (QMenu* sub = action->menu())
+            CollectMnemonicClashes(where + QStringLiteral(" > ") + action->text(), sub->actions(), clashes);
+    }
+}
+
+TEST_F(MainFrameTest, EveryMenuUsesEachMnemonicOnce)
+{
+    StartEmpty();
+    // Documents of each kind bring the window list and their own commands.
+    ASSERT_TRUE(OpenText("a.txt") && OpenText("b.txt") && OpenHex("c.bin"));
+    QStringList clashes;
+    const QList<QMenu*> menus = Frame()->menuBar()->findChildren<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+    for (QMenu* menu : menus)
+        Q_EMIT menu->aboutToShow(); // menus filled on opening, such as the window list
+    CollectMnemonicClashes(QStringLiteral("menu bar"), Frame()->menuBar()->actions(), clashes);
+    if (QMenu* tabs = Frame()->findChild<QMenu*>(QStringLiteral("TabContextMenu")))
+        CollectMnemonicClashes(QStringLiteral("tab menu"), tabs->actions(), clashes);
+    EXPECT_EQ(clashes, QStringList());
+}
+
+TEST_F(MainFrameTest, TheToolbarFitsAWindowAThousandPixelsWide)
+{
+    StartEmpty();
+    ASSERT_TRUE(OpenText("a.txt"));
+    Frame()->resize(1000, 700);
+    Settle();
+    QToolBar* bar = Frame()->Menus().ToolBar(ToolBarId::Standard);
+    ASSERT_TRUE(bar);
+    // No button goes behind an overflow arrow.
+    EXPECT_LE(bar->sizeHint().width(), Frame()->width());
+    for (QAction* action : bar->actions()) {
+        QWidget* button = bar->widgetForAction(action);
+        EXPECT_TRUE(action->isSeparator() || (button && button->isVisible())) << action->text().toStdString();
+    }
+}
+
+TEST_F(MainFrameTest, TheFontDialogStartsAtTheFontTheEditorDraws)
+{
+    StartEmpty();
+    ASSERT_TRUE(OpenText("a.txt"));
+    Frame()->Settings().view.FontSize = 13;
+    QFont shown;
+    QTimer poll;
+    poll.setInterval(10);
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        if (auto* dialog = qobject_cast<QFontDialog*>(QApplication::activeModalWidget())) {
+            shown = dialog->currentFont();
+            dialog->reject();
+        }
+    });
+    poll.start();
+    Run(Cmd::ViewFont);
+    // The configured family may be one the system stands another font in for.
+    const QString drawn = QFontInfo(QFont(Frame()->Settings().view.FontStyle, 13)).family();
+    EXPECT_EQ(shown.family(), drawn);
+    EXPECT_EQ(shown.pointSize(), 13);
 }
 
 TEST_F(MainFrameTest, PasteFollowsTheClipboardWithoutAnyOtherEvent)

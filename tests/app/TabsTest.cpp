@@ -5,6 +5,9 @@
 #include <QClipboard>
 #include <QMenu>
 #include <QTabBar>
+#include <QTest>
+
+#include <functional>
 
 namespace {
 
@@ -127,6 +130,58 @@ TEST_F(TabsTest, ContextMenuActsOnTheTabUnderTheMouseAndSurvivesANewTabStrip)
     tabs = Area()->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
     ASSERT_TRUE(tabs);
     EXPECT_EQ(tabs->contextMenuPolicy(), Qt::CustomContextMenu);
+}
+
+// However a tab is closed, the others stay tabbed and filling the area, and the tab
+// beside the closed one comes forward (the one before it when the last one closes).
+TEST_F(TabsTest, ClosingATabKeepsTheRestTabbedAndActivatesItsNeighbour)
+{
+    struct Way
+    {
+        const char* name;
+        std::function<void(int index)> close;
+    };
+    const Way ways[] = {
+        {"File > Close", [](int) { Run(Cmd::FileClose); }},
+        {"Ctrl+W", [](int) { QTest::keyClick(QApplication::focusWidget(), Qt::Key_W, Qt::ControlModifier); }},
+        {"Ctrl+F4", [](int) { QTest::keyClick(QApplication::focusWidget(), Qt::Key_F4, Qt::ControlModifier); }},
+        {"tab button", [](int index) {
+             Q_EMIT Area()->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly)->tabCloseRequested(index);
+         }},
+    };
+    for (const Way& way : ways) {
+        App()->Shutdown();
+        StartEmpty();
+        QList<CChildFrame*> frames;
+        for (const char* name : {"a.txt", "b.txt", "c.txt", "d.txt"})
+            frames << OpenText(name);
+        ASSERT_FALSE(frames.contains(nullptr));
+        Frame()->activateWindow();
+        // Close the second tab, then the last one.
+        for (const auto& [closed, next] : {std::pair{1, 2}, std::pair{3, 2}}) {
+            Area()->setActiveSubWindow(frames.at(closed));
+            Editor(static_cast<CScrivelFrame*>(frames.at(closed)))->setFocus();
+            Settle();
+            const int index = int(Frame()->ChildFrames().indexOf(frames.at(closed)));
+            way.close(index);
+            Settle();
+            EXPECT_FALSE(Frame()->ChildFrames().contains(frames.at(closed))) << way.name;
+            EXPECT_EQ(Frame()->ActiveChild(), frames.at(next)) << way.name << " closing " << closed;
+        }
+        EXPECT_TRUE(Tabbed());
+        auto* tabs = Area()->findChild<QTabBar*>(QString(), Qt::FindDirectChildrenOnly);
+        ASSERT_TRUE(tabs);
+        EXPECT_EQ(tabs->count(), 2) << way.name;
+        // Whichever tab the user picks next fills the area.
+        for (int index = 0; index < tabs->count(); ++index) {
+            tabs->setCurrentIndex(index);
+            Settle();
+            QMdiSubWindow* shown = Area()->activeSubWindow();
+            ASSERT_TRUE(shown) << way.name;
+            EXPECT_TRUE(shown->isMaximized()) << way.name << " " << index;
+            EXPECT_EQ(shown->size(), Area()->viewport()->size()) << way.name << " " << index;
+        }
+    }
 }
 
 TEST_F(TabsTest, CopyFilePathWorksForEveryKindOfDocumentWithAPath)

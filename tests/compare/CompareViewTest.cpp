@@ -136,15 +136,27 @@ TEST_F(CompareViewTest, CopyingEveryDifferenceAcrossAndSavingGivesTheSameBytes)
 
 TEST_F(CompareViewTest, SavesAnEditedSideInItsOwnEncoding)
 {
-    const QByteArray utf16("\xff\xfe" "a\0\n\0b\0\n\0", 10);
-    CCompareView* view = Compare(utf16, "a\nc\n", QStringLiteral("u16.txt"), QStringLiteral("b.txt"));
-    ASSERT_TRUE(view);
-    EXPECT_EQ(view->DifferenceCount(), 1);
-    view->GoToDifference(0);
-    view->CopyTo(0);
-    view->WaitForCompare();
-    ASSERT_TRUE(view->SaveModifiedSides());
-    EXPECT_EQ(ReadFile(Path(QStringLiteral("u16.txt"))), QByteArray("\xff\xfe" "a\0\n\0c\0\n\0", 10));
+    struct Case
+    {
+        QByteArray before, after;
+    };
+    // The first line reads the same on both sides once decoded: only the second differs.
+    const Case cases[] = {
+        {QByteArray("\xff\xfe" "c\0a\0f\0\xe9\0\n\0b\0\n\0", 16),
+         QByteArray("\xff\xfe" "c\0a\0f\0\xe9\0\n\0c\0\n\0\xac\x20\n\0", 20)},
+        {QByteArray("caf\xe9\nb\n"), QByteArray("caf\xe9\nc\n\x80\n")}, // "Ansi", windows-1252
+    };
+    for (const Case& c : cases) {
+        CCompareView* view = Compare(c.before, "caf\xc3\xa9\nc\n\xe2\x82\xac\n", QStringLiteral("left.txt"),
+                                     QStringLiteral("b.txt"));
+        ASSERT_TRUE(view);
+        EXPECT_EQ(view->DifferenceCount(), 1) << c.before.toStdString();
+        view->GoToDifference(0);
+        view->CopyTo(0);
+        view->WaitForCompare();
+        ASSERT_TRUE(view->SaveModifiedSides());
+        EXPECT_EQ(ReadFile(Path(QStringLiteral("left.txt"))), c.after);
+    }
 }
 
 TEST_F(CompareViewTest, EditsAreComparedAgainAfterAPause)
@@ -236,7 +248,7 @@ TEST_F(CompareViewTest, CommandsSitInTheFileAndViewMenus)
         return texts;
     }();
     EXPECT_TRUE(file.contains(QStringLiteral("Compare &Files...")));
-    EXPECT_TRUE(file.contains(QStringLiteral("Compare with Sa&ved")));
+    EXPECT_TRUE(file.contains(QStringLiteral("Co&mpare with Saved")));
     EXPECT_FALSE(shell.Commands().State(Cmd::CompareWithSaved).enabled);
 }
 

@@ -261,6 +261,20 @@ TEST_F(FoldingViewTest, FoldingOffOpensEveryFoldEvenOnesThatMoved)
     EXPECT_TRUE(m_editor->GetLineVisible(3)) << "the fold margin is dead while folding is off";
 }
 
+TEST_F(FoldingViewTest, ABookmarkIsDrawnInOneMarginWithFoldingOnOrOff)
+{
+    for (const bool on : {true, false}) {
+        m_view->SetFolding(on);
+        int showing = 0;
+        for (unsigned long margin = 0; margin < 5; ++margin) {
+            if (m_editor->SendScintilla(Sci::SCI_GETMARGINWIDTHN, margin) > 0 &&
+                (m_editor->SendScintilla(Sci::SCI_GETMARGINMASKN, margin) & (1L << CMFCScintilla::BookmarkMarker)))
+                ++showing;
+        }
+        EXPECT_EQ(showing, 1) << "folding " << on;
+    }
+}
+
 TEST_F(FoldingViewTest, RemovingAFoldedHeaderShowsItsBlock)
 {
     Fold(0);

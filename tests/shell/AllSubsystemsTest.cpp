@@ -77,12 +77,12 @@ TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar
         if (action->isVisible())
             texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
     }
-    EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "White&space", "Line &Endings", "&Caret Line",
-                                  "Line &Numbers", "Code &Folding", "&Block Select", "&Match Bracket", "&Highlight Occurrences", "-",
-                                  "Zoom &In", "Zoom &Out", "&Reset Zoom", "-", "&Font...", "&Theme", "-",
-                                  "&Output Bar", "File Explorer", "Project Explorer", "Code Library", "List Explorer", "&Explorer Bar", "-", "&Next Difference", "&Previous Difference",
-                                  "Copy to &Left", "Copy to &Right", "S&wap Sides", "Re&compare",
-                                  "Ignore W&hitespace Changes", "Ignore C&ase"}));
+    EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "W&hitespace", "Line &Endings", "&Caret Line",
+                                  "Line &Numbers", "Code Foldin&g", "&Block Select", "&Match Bracket", "Highlight Occurrence&s", "-",
+                                  "Zoom &In", "Zoom &Out", "Reset &Zoom", "-", "&Font...", "&Theme", "-",
+                                  "O&utput Bar", "File Explorer", "Project Explorer", "Code Library", "List Explorer", "E&xplorer Bar", "-", "Next &Difference", "Pre&vious Difference",
+                                  "Copy to &Left", "Cop&y to Right", "Swa&p Sides", "&Recompare",
+                                  "Ignore Whitespace Changes", "Ignore Case"}));
     QMenu* viewAs = m_shell.Menus().Menu(MenuId::ViewAs);
     ASSERT_FALSE(viewAs->actions().isEmpty());
     EXPECT_EQ(viewAs->actions().last()->data().toInt(), int(Cmd::ViewAsMore));
