@@ -71,15 +71,21 @@ int main(int argc, char** argv)
     QTimer typing;
     typing.setSingleShot(true);
     typing.setInterval(20);
+    double keystrokeMs = 0;
     QObject::connect(&typing, &QTimer::timeout, [&] {
+        QElapsedTimer own;
+        own.start();
         editor.SendScintilla(QsciScintillaBase::SCI_GOTOPOS, static_cast<unsigned long>(megabytes * 1024 * 1024 / 4));
         editor.SendScintilla(QsciScintillaBase::SCI_REPLACESEL, 0UL, "x");
+        keystrokeMs = own.nsecsElapsed() / 1e6;
     });
     double copiedAtMs = 0;
+    double longestWhileCopyingMs = 0;
     qint64 bytes = 0;
     CTextSnapshot snapshot(editor);
     QObject::connect(&snapshot, &CTextSnapshot::finished, [&](const QByteArray& text) {
         copiedAtMs = wall.nsecsElapsed() / 1e6;
+        longestWhileCopyingMs = longestGapMs;
         bytes = text.size();
         RecoveryEntry entry;
         entry.id = QStringLiteral("doc1");
@@ -97,7 +103,9 @@ int main(int argc, char** argv)
     last = wall.nsecsElapsed();
     tick.start();
     poll.start();
-    typing.start();
+    // "quiet" as the second argument leaves the keystroke out.
+    if (argc < 3 || QByteArray(argv[2]) != "quiet")
+        typing.start();
     snapshot.Start();
     app.exec();
     const double totalMs = wall.nsecsElapsed() / 1e6;
@@ -108,7 +116,10 @@ int main(int argc, char** argv)
                 static_cast<long long>(bytes));
     std::printf("copy in slices done after  %.1f ms\n", copiedAtMs);
     std::printf("written after              %.1f ms\n", totalMs);
-    std::printf("longest stall              %.1f ms (target under 50 ms; one piece took %.1f ms)\n",
-                longestGapMs, onePieceMs);
+    std::printf("longest stall while copying %.1f ms (target under 50 ms; one piece took %.1f ms)\n",
+                longestWhileCopyingMs, onePieceMs);
+    std::printf("the keystroke itself (caret jump and insert) %.1f ms\n", keystrokeMs);
+    // Includes this program's own look for the written files every 5 ms.
+    std::printf("longest stall until written %.1f ms\n", longestGapMs);
     return bytes == expected ? 0 : 1;
 }
