@@ -1,9 +1,10 @@
 // The find-in-files matcher against a naive oracle.
 // Plain text: every match a byte-by-byte scan of each line finds, at the same place and
 // on the same line number, with whole-word and case rules applied by hand.
-// Expressions over UTF-8 text: the lines with a non-empty match are those where the
-// expression, run over each line alone, finds one; so the pieces of text that pick
-// candidate lines must never hide a line that matches.
+// Expressions: the lines with a non-empty match are those where the expression, tried
+// at each place of each line alone, finds one; so the pieces of text that pick candidate
+// lines must never hide a line that matches, an empty alternative must not hide a longer
+// one, and a line that is not UTF-8 must not change how its neighbours are read.
 #include "FuzzInput.h"
 
 #include "search/SearchQuery.h"
@@ -121,33 +122,31 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         FUZZ_CHECK(found == NaiveLiteral(block, query.Literal(), sensitive, word));
         return 0;
     }
-    // Text that is not UTF-8 is searched as single bytes, and a block mixing both has no
-    // one right reading: the oracle speaks for UTF-8 text only.
-    if (word || !TextMatcher::IsValidUtf8(block.data(), block.size()))
+    if (word)
         return 0;
 
-    // Lines with a non-empty match, by running the expression over each line alone.
-    const QRegularExpression re(query.Pattern(), query.PatternOptions());
+    // Lines with a non-empty match: a line has one when at some place of it, tried alone,
+    // the expression can match something not empty. Each line is read on its own: as
+    // UTF-8 when it is, byte for byte when not, whatever its neighbours hold, so the
+    // answer must not depend on which lines the pieces of text picked.
+    const QRegularExpression re(QStringLiteral("(?:") + query.Pattern() + QStringLiteral(")(?!\\G)"),
+                                query.PatternOptions());
+    if (!re.isValid())
+        return 0; // a pattern that cannot be wrapped: the matcher keeps to plain steps
     std::set<qint64> expected;
     qint64 number = 1;
     for (std::string_view line : Lines(block)) {
         if (!line.empty() && line.back() == '\r')
             line.remove_suffix(1);
-        // After an empty match the search moves on by one character, as the matcher
-        // does; it does not look for a longer match at the same place (which a pattern
-        // with an empty alternative, "|ab", would need).
-        const QString subject = QString::fromUtf8(line.data(), qsizetype(line.size()));
-        for (qsizetype from = 0; from <= subject.size();) {
-            const QRegularExpressionMatch m = re.match(subject, from);
-            if (!m.hasMatch())
-                break;
-            if (m.capturedLength() > 0) {
+        const QString subject = TextMatcher::IsValidUtf8(line.data(), line.size())
+                                    ? QString::fromUtf8(line.data(), qsizetype(line.size()))
+                                    : QString::fromLatin1(line.data(), qsizetype(line.size()));
+        for (qsizetype at = 0; at <= subject.size(); ++at) {
+            if (re.match(subject, at, QRegularExpression::NormalMatch, QRegularExpression::AnchorAtOffsetMatchOption)
+                    .hasMatch()) {
                 expected.insert(number);
                 break;
             }
-            from = m.capturedStart() + 1;
-            if (from < subject.size() && subject[from].isLowSurrogate())
-                ++from;
         }
         ++number;
     }

@@ -7,6 +7,7 @@
 #include "compare/CCompareView.h"
 #include "compare/CComparePane.h"
 #include "compare/CompareSource.h"
+#include "editor/CScrivelDoc.h"
 #include "editor/TextEncoding.h"
 #include "framework/CommandIds.h"
 #include "settings/CRegistryStore.h"
@@ -48,6 +49,17 @@ CCompareCommands::CCompareCommands(IShell& shell)
     LoadSettings();
     Register();
     connect(&shell.Events(), &CShellEvents::saveSettings, this, &CCompareCommands::SaveSettings);
+    // The question about a file changed on disk offers this compare before reloading.
+    connect(&shell.Events(), &CShellEvents::documentCreated, this, [this](CDocument* document) {
+        auto* text = qobject_cast<CScrivelDoc*>(document);
+        if (!text)
+            return;
+        connect(text, &CScrivelDoc::compareWithDiskRequested, this, [this, text] {
+            const auto frames = text->GetFrames();
+            if (!frames.isEmpty())
+                CompareWithSaved(frames.first());
+        });
+    });
 }
 
 CCompareCommands::~CCompareCommands() = default;
@@ -225,9 +237,10 @@ void CCompareCommands::CompareBinary(const QString& left, const QString& right)
     m_shell.OpenPath(right, hex);
 }
 
-CCompareFrame* CCompareCommands::CompareWithSaved()
+CCompareFrame* CCompareCommands::CompareWithSaved(CChildFrame* frame)
 {
-    CChildFrame* frame = m_shell.ActiveChild();
+    if (!frame)
+        frame = m_shell.ActiveChild();
     QsciScintillaBase* control = TextControl(frame);
     if (!control)
         return nullptr;

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <memory>
 
+class CChildFrame;
 class CCompareFrame;
 class CSyntaxParserList;
 class IShell;
@@ -28,8 +29,9 @@ public:
     // by a message; files that can't be read are named in a message. Returns the new
     // frame, or null when no tab opened.
     CCompareFrame* CompareFiles(const QString& left, const QString& right);
-    // The active text document's unsaved text against its file on disk.
-    CCompareFrame* CompareWithSaved();
+    // A text document's unsaved text against its file on disk: the active one's unless
+    // a frame is named.
+    CCompareFrame* CompareWithSaved(CChildFrame* frame = nullptr);
     void ShowCompareFilesDialog();
 
     DiffOptions Options() const { return m_options; }

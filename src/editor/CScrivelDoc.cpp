@@ -25,6 +25,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QMetaMethod>
 #include <QPushButton>
 
 namespace {
@@ -448,10 +449,22 @@ void CScrivelDoc::CheckDiskChange()
     QMessageBox box(QMessageBox::Question, QApplication::applicationDisplayName(),
                     tr("\"%1\" has been changed by another program. Reload it?").arg(name),
                     QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
-    // Reloading would throw away changes of our own: then No is the safe default.
+    // Reloading would throw away changes of our own: then No is the safe default, and
+    // the two texts can be compared first.
     box.setDefaultButton(IsModified() ? QMessageBox::No : QMessageBox::Yes);
+    QAbstractButton* compare = nullptr;
+    if (IsModified() && isSignalConnected(QMetaMethod::fromSignal(&CScrivelDoc::compareWithDiskRequested))) {
+        compare = box.addButton(tr("&Compare"), QMessageBox::ActionRole);
+        compare->setObjectName(QStringLiteral("CompareWithDisk"));
+    }
     const bool reload = box.exec() == QMessageBox::Yes;
     m_checkingDisk = false;
+    if (compare && box.clickedButton() == compare) {
+        // Nothing is decided yet: the question comes back when the program is next
+        // activated, and a save still asks before overwriting.
+        Q_EMIT compareWithDiskRequested();
+        return;
+    }
     if (reload)
         Reload();
     else

@@ -67,6 +67,9 @@ Q_SIGNALS:
     void formatChanged();
     // The file was too large for text and the user chose the hex view instead.
     void hexViewRequested(const QString& path);
+    // The user wants to see this text beside the file on disk before deciding whether to
+    // reload it; offered only while something listens.
+    void compareWithDiskRequested();
 
 private:
     void UpdateTitle();

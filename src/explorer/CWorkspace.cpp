@@ -1,5 +1,7 @@
 #include "CWorkspace.h"
 
+#include "editor/ReadableFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -49,13 +51,22 @@ bool CWorkspace::OpenWorkspace(const QString& path)
     // Everything is read and checked before the open workspace is touched, so that a
     // later save can never overwrite a file that could not be read.
     const QString shown = QDir::toNativeSeparators(path);
-    QFile file(path);
+    QFile file;
     QByteArray bytes;
     QString reason;
-    if (!file.open(QIODevice::ReadOnly))
+    // A pipe would wait for a writer and a device might never end: only files are read,
+    // and none larger than a workspace could sensibly be.
+    constexpr qint64 Largest = qint64(256) << 20;
+    if (!ReadableFile::Open(file, path, &reason)) {
+        if (reason.isEmpty())
+            reason = file.errorString();
+    } else if (file.size() > Largest) {
+        reason = Tr("The file is too large to be a workspace.");
+    } else if (bytes = file.read(Largest + 1), file.error() != QFileDevice::NoError) {
         reason = file.errorString();
-    else if (bytes = file.readAll(), file.error() != QFileDevice::NoError)
-        reason = file.errorString();
+    } else if (bytes.size() > Largest) {
+        reason = Tr("The file is too large to be a workspace.");
+    }
     pugi::xml_document document;
     if (reason.isEmpty())
         WorkspaceFile::Parse(bytes, document, reason);

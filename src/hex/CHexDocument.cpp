@@ -1,10 +1,14 @@
 #include "CHexDocument.h"
 
+#include "framework/CChildFrame.h"
 #include "framework/CDocTemplate.h"
 #include "framework/IStatusSink.h"
 #include "framework/OpenOptions.h"
 
 #include <QApplication>
+#include <QGuiApplication>
+#include <QTimer>
+#include <utility>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -16,6 +20,13 @@ const QString kReadOnlyMark = QStringLiteral(" [Read Only]");
 CHexDocument::CHexDocument(QObject* parent)
     : CDocument(parent)
 {
+    // Another program's changes show when the user comes back from it.
+    if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance())) {
+        connect(app, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationActive)
+                QTimer::singleShot(0, this, &CHexDocument::CheckDiskChange);
+        });
+    }
 }
 
 CHexDocument::~CHexDocument() = default;
@@ -48,10 +59,87 @@ bool CHexDocument::OnOpenDocument(const QString& path)
                     tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), error));
         return false;
     }
+    m_diskStamp = FileStamp::Of(path);
+    m_declinedStamp = FileStamp();
     SetModifiedFlag(false);
     Q_EMIT contentChanged(-1);
     Q_EMIT loaded(path);
     return true;
+}
+
+bool CHexDocument::Reload()
+{
+    if (m_strPathName.isEmpty())
+        return false;
+    QString error;
+    if (!m_table.Open(m_strPathName, &error)) {
+        ShowMessage(QMessageBox::Warning,
+                    tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(m_strPathName), error));
+        return false;
+    }
+    m_diskStamp = FileStamp::Of(m_strPathName);
+    m_declinedStamp = FileStamp();
+    SetModifiedFlag(false);
+    Q_EMIT contentChanged(-1);
+    return true;
+}
+
+void CHexDocument::CheckDiskChange()
+{
+    if (m_checkingDisk || m_strPathName.isEmpty() || !m_diskStamp.IsValid())
+        return;
+    const FileStamp::Change change = m_diskStamp.Compare(m_strPathName);
+    const FileStamp now = FileStamp::Of(m_strPathName);
+    if (change == FileStamp::Change::None || (m_declinedStamp.IsValid() && now == m_declinedStamp))
+        return;
+    // A question box activates the program again when it closes: ask once.
+    m_checkingDisk = true;
+    const QString name = QDir::toNativeSeparators(m_strPathName);
+    if (change == FileStamp::Change::Deleted) {
+        const bool keep = Ask(QMessageBox::Warning,
+                              tr("\"%1\" has been deleted by another program. Keep it open in the editor?").arg(name),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes)
+                          == QMessageBox::Yes;
+        m_checkingDisk = false;
+        if (keep) {
+            // The bytes we hold are now the only copy: closing asks to save them.
+            m_diskStamp = FileStamp();
+            if (!m_readOnly)
+                SetModifiedFlag(true);
+        } else {
+            SetModifiedFlag(false);
+            const auto frames = GetFrames();
+            for (CChildFrame* frame : frames)
+                frame->close();
+        }
+        return;
+    }
+    // Reloading would throw away edits of our own: then No is the safe default.
+    const bool reload = Ask(QMessageBox::Question,
+                            tr("\"%1\" has been changed by another program. Reload it?").arg(name),
+                            QMessageBox::Yes | QMessageBox::No, IsModified() ? QMessageBox::No : QMessageBox::Yes)
+                        == QMessageBox::Yes;
+    m_checkingDisk = false;
+    if (reload)
+        Reload();
+    else
+        m_declinedStamp = now; // asked again only at the next change; a save still asks
+}
+
+bool CHexDocument::MayOverwrite(const QString& path)
+{
+    if (path != m_strPathName || m_diskStamp.Compare(path) != FileStamp::Change::Modified)
+        return true;
+    const bool wasChecking = std::exchange(m_checkingDisk, true);
+    const bool overwrite =
+        Ask(QMessageBox::Warning,
+            tr("\"%1\" has been changed by another program since it was read. "
+               "Overwrite it with this document?")
+                .arg(QDir::toNativeSeparators(path)),
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+        == QMessageBox::Yes;
+    m_checkingDisk = wasChecking;
+    return overwrite;
 }
 
 void CHexDocument::SetTitle(const QString& title)
@@ -145,6 +233,8 @@ bool CHexDocument::DoSave(const QString& path, bool replace)
     // it is written elsewhere only by Save As.
     if (m_readOnly && !saveAs && replace)
         return true;
+    if (!MayOverwrite(target))
+        return false;
     Q_EMIT aboutToSave(target);
     IProgressSink* sink = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     CPieceTable::Progress progress;
@@ -163,6 +253,10 @@ bool CHexDocument::DoSave(const QString& path, bool replace)
     }
     if (replace || saveAs)
         SetPathName(target, true);
+    if (target == m_strPathName) {
+        m_diskStamp = FileStamp::Of(target);
+        m_declinedStamp = FileStamp();
+    }
     SetModifiedFlag(false);
     Q_EMIT contentChanged(-1);
     Q_EMIT saved(target);
@@ -174,6 +268,15 @@ void CHexDocument::ShowMessage(QMessageBox::Icon icon, const QString& text)
     QMessageBox box(icon, QApplication::applicationDisplayName(), text, QMessageBox::Ok,
                     QApplication::activeWindow());
     box.exec();
+}
+
+QMessageBox::StandardButton CHexDocument::Ask(QMessageBox::Icon icon, const QString& text,
+                                              QMessageBox::StandardButtons buttons,
+                                              QMessageBox::StandardButton byDefault)
+{
+    QMessageBox box(icon, QApplication::applicationDisplayName(), text, buttons, QApplication::activeWindow());
+    box.setDefaultButton(byDefault);
+    return QMessageBox::StandardButton(box.exec());
 }
 
 QString CHexDocument::AskSaveAsPath()

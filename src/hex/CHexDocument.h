@@ -1,6 +1,7 @@
 #pragma once
 
 #include "framework/CDocument.h"
+#include "editor/FileStamp.h"
 #include "hex/CPieceTable.h"
 
 #include <QMessageBox>
@@ -38,6 +39,12 @@ public:
     bool Undo(qint64* where = nullptr);
     bool Redo(qint64* where = nullptr);
 
+    // Asks what to do when another program changed or removed the file since it was read:
+    // run when the program becomes active again.
+    void CheckDiskChange();
+    // Reads the file again; the edits are dropped.
+    bool Reload();
+
 Q_SIGNALS:
     // The bytes changed; `offset` is where the change starts (-1: anywhere).
     void contentChanged(qint64 offset);
@@ -46,10 +53,19 @@ protected:
     // Seams for tests: the message boxes and the Save As dialog.
     virtual void ShowMessage(QMessageBox::Icon icon, const QString& text);
     virtual QString AskSaveAsPath();
+    virtual QMessageBox::StandardButton Ask(QMessageBox::Icon icon, const QString& text,
+                                            QMessageBox::StandardButtons buttons,
+                                            QMessageBox::StandardButton byDefault);
 
 private:
     void AfterEdit(qint64 offset);
+    // False when the file was changed by another program since it was read and the
+    // user would rather not overwrite it.
+    bool MayOverwrite(const QString& path);
 
     CPieceTable m_table;
     bool m_readOnly = false;
+    FileStamp m_diskStamp;     // the file as last read or written
+    FileStamp m_declinedStamp; // a change the user chose not to reload
+    bool m_checkingDisk = false;
 };

@@ -2,6 +2,7 @@
 
 #include "DesktopIntegration.h"
 #include "shell/CShellEvents.h"
+#include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
 #include "shell/IShell.h"
 
@@ -23,9 +24,11 @@ CPageGeneralMore::CPageGeneralMore(IShell& shell, QWidget* parent)
     m_resetUndo = AddCheck(tr("Empty the &undo history after saving"), "ResetUndoOnSave");
     m_largeIcons = AddCheck(tr("&Large toolbar icons"), "LargeTBIcons");
     m_reuseWindows = AddCheck(tr("A tool's output &reuses its window"), "ReuseWindows");
+    m_restoreSession = AddCheck(tr("Reopen the files of the last &session at start"), "RestoreSession");
     editingLayout->addWidget(m_resetUndo);
     editingLayout->addWidget(m_largeIcons);
     editingLayout->addWidget(m_reuseWindows);
+    editingLayout->addWidget(m_restoreSession);
     layout->addWidget(editing);
 
     auto* printing = new QGroupBox(tr("Printing"), this);
@@ -69,6 +72,9 @@ void CPageGeneralMore::Apply()
     settings.PrintHeader = m_printHeader->isChecked();
     settings.PrintFooter = m_printFooter->isChecked();
     settings.PrintLineNumbers = m_printLineNumbers->isChecked();
+    // Read by the session keeper at exit and at start; it has no place in the frame's set.
+    CRegistryStore().WriteProfileInt(QStringLiteral("EditSettings"), QStringLiteral("RestoreSession"),
+                                     m_restoreSession->isChecked() ? 1 : 0);
     if (m_integration->isChecked() != DesktopIntegration::IsInstalled()) {
         QString error;
         const bool ok = m_integration->isChecked()
@@ -97,6 +103,8 @@ void CPageGeneralMore::Reset()
     m_printFooter->setChecked(settings.PrintFooter);
     m_printLineNumbers->setChecked(settings.PrintLineNumbers);
     m_integration->setChecked(DesktopIntegration::IsInstalled());
+    m_restoreSession->setChecked(
+        CRegistryStore().GetProfileInt(QStringLiteral("EditSettings"), QStringLiteral("RestoreSession"), 0) != 0);
     m_showing = false;
     SetModified(false);
 }

@@ -5,7 +5,7 @@
 class IShell;
 class QCheckBox;
 
-// General More: undo after saving, toolbar image size, printing, tool output, and
+// General More: undo after saving, reopening the last session's files, toolbar image size, printing, tool output, and
 // whether the desktop offers Morvane for text files.
 class CPageGeneralMore : public CPropertyPageBase
 {
@@ -23,6 +23,7 @@ public:
     QCheckBox* PrintLineNumbers() const { return m_printLineNumbers; }
     QCheckBox* ReuseWindows() const { return m_reuseWindows; }
     QCheckBox* Integration() const { return m_integration; }
+    QCheckBox* RestoreSession() const { return m_restoreSession; }
 
 private:
     QCheckBox* AddCheck(const QString& text, const char* name);
@@ -35,5 +36,6 @@ private:
     QCheckBox* m_printLineNumbers;
     QCheckBox* m_reuseWindows;
     QCheckBox* m_integration;
+    QCheckBox* m_restoreSession;
     bool m_showing = false;
 };

@@ -1,6 +1,7 @@
 #include "CRecoveryManager.h"
 
 #include "CRecoveryDialog.h"
+#include "CTextSnapshot.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
@@ -66,11 +67,10 @@ void CRecoveryManager::Watch(CDocument* document)
     tracker->longest->setSingleShot(true);
     tracker->longest->setInterval(m_maxMs);
     for (QTimer* timer : {tracker->idle, tracker->longest})
-        connect(timer, &QTimer::timeout, this, [this, text] { SnapshotNow(text); });
+        connect(timer, &QTimer::timeout, this, [this, text] { BeginSnapshot(text); });
     connect(text, &CDocument::saved, this, [this, text] {
         if (Tracker* t = TrackerOf(text)) {
-            t->idle->stop();
-            t->longest->stop();
+            StopCopying(*t);
             if (t->written)
                 m_store.Remove(t->id);
             t->written = false;
@@ -79,8 +79,7 @@ void CRecoveryManager::Watch(CDocument* document)
     // Undo back to the saved text drops the copy too.
     connect(text, &CDocument::modifiedChanged, this, [this, text](bool modified) {
         if (Tracker* t = TrackerOf(text); t && !modified && t->written) {
-            t->idle->stop();
-            t->longest->stop();
+            StopCopying(*t);
             m_store.Remove(t->id);
             t->written = false;
         }
@@ -115,13 +114,20 @@ void CRecoveryManager::OnTextChanged(Tracker& tracker)
         tracker.longest->start();
 }
 
+void CRecoveryManager::StopCopying(Tracker& tracker)
+{
+    tracker.idle->stop();
+    tracker.longest->stop();
+    if (tracker.snapshot)
+        tracker.snapshot->Cancel();
+}
+
 void CRecoveryManager::SnapshotNow(CScrivelDoc* document)
 {
     Tracker* tracker = TrackerOf(document);
     if (!tracker)
         return;
-    tracker->idle->stop();
-    tracker->longest->stop();
+    StopCopying(*tracker);
     CMFCScintilla* editor = document->GetEditor();
     if (!document->IsModified() || !editor) {
         if (tracker->written)
@@ -129,8 +135,40 @@ void CRecoveryManager::SnapshotNow(CScrivelDoc* document)
         tracker->written = false;
         return;
     }
+    WriteEntry(*tracker, SnapshotText(*editor));
+}
+
+void CRecoveryManager::BeginSnapshot(CScrivelDoc* document)
+{
+    Tracker* tracker = TrackerOf(document);
+    CMFCScintilla* editor = document ? document->GetEditor() : nullptr;
+    if (!tracker || !editor || !document->IsModified()
+        || editor->SendScintilla(QsciScintillaBase::SCI_GETLENGTH) <= m_sliceBytes) {
+        SnapshotNow(document);
+        return;
+    }
+    tracker->idle->stop();
+    tracker->longest->stop();
+    if (!tracker->snapshot) {
+        tracker->snapshot = new CTextSnapshot(*editor, this);
+        connect(tracker->snapshot, &CTextSnapshot::finished, this, [this, document](const QByteArray& text) {
+            Tracker* t = TrackerOf(document);
+            if (t && document->IsModified())
+                WriteEntry(*t, text);
+        });
+    }
+    tracker->snapshot->SetSliceBytes(m_sliceBytes);
+    tracker->snapshot->Start();
+}
+
+void CRecoveryManager::WriteEntry(Tracker& tracker, QByteArray text)
+{
+    CScrivelDoc* document = tracker.document;
+    CMFCScintilla* editor = document ? document->GetEditor() : nullptr;
+    if (!editor)
+        return;
     RecoveryEntry entry;
-    entry.id = tracker->id;
+    entry.id = tracker.id;
     entry.path = document->GetPathName();
     entry.title = document->GetTitle();
     if (entry.title.endsWith(QLatin1Char('*')))
@@ -142,10 +180,9 @@ void CRecoveryManager::SnapshotNow(CScrivelDoc* document)
         if (auto* frame = qobject_cast<CScrivelFrame*>(document->GetFrames().first()))
             entry.parser = frame->GetParserIndex();
     entry.time = QDateTime::currentDateTimeUtc();
-    QByteArray text = SnapshotText(*editor);
     entry.bytes = text.size();
     m_store.Write(entry, std::move(text));
-    tracker->written = true;
+    tracker.written = true;
 }
 
 void CRecoveryManager::Forget(CDocument* document, bool removeFiles)
@@ -157,6 +194,7 @@ void CRecoveryManager::Forget(CDocument* document, bool removeFiles)
     m_trackers.erase(it);
     delete tracker->idle;
     delete tracker->longest;
+    delete tracker->snapshot;
     if (removeFiles && tracker->written)
         m_store.Remove(tracker->id);
 }
@@ -214,9 +252,7 @@ void CRecoveryManager::OfferRecovery()
 
 void CRecoveryManager::ReleaseClean()
 {
-    for (const auto& tracker : std::as_const(m_trackers)) {
-        tracker->idle->stop();
-        tracker->longest->stop();
-    }
+    for (const auto& tracker : std::as_const(m_trackers))
+        StopCopying(*tracker);
     m_store.ReleaseClean();
 }

@@ -10,12 +10,14 @@
 class CDocument;
 class CMFCScintilla;
 class CScrivelDoc;
+class CTextSnapshot;
 class IShell;
 class QTimer;
 
 // Keeps a copy of every modified text document in the recovery folder: one second after
 // typing pauses and at least every ten seconds while it goes on. The text is copied on
-// the interface thread and written on the store's worker thread.
+// the interface thread a slice at a time between events, and written on the store's
+// worker thread.
 class CRecoveryManager : public QObject
 {
     Q_OBJECT
@@ -31,6 +33,10 @@ public:
     void Watch(CDocument* document);
     // Copies a document now (or removes its copy when it has no unsaved changes).
     void SnapshotNow(CScrivelDoc* document);
+    // Starts copying a document between events; a short text is copied at once.
+    void BeginSnapshot(CScrivelDoc* document);
+    // Bytes copied per step of a copy between events.
+    void SetSliceBytes(qsizetype bytes) { m_sliceBytes = bytes; }
     // Reopens an entry as a modified document; null when it cannot be read.
     CDocument* Recover(const RecoveryEntry& entry);
     // Shows what an unclean end left, if anything.
@@ -49,6 +55,7 @@ private:
         QString id;
         QTimer* idle = nullptr;
         QTimer* longest = nullptr;
+        CTextSnapshot* snapshot = nullptr;
         bool written = false;
     };
 
@@ -56,6 +63,8 @@ private:
     void AttachEditor(Tracker& tracker);
     void OnTextChanged(Tracker& tracker);
     void Forget(CDocument* document, bool removeFiles);
+    void StopCopying(Tracker& tracker);
+    void WriteEntry(Tracker& tracker, QByteArray text);
 
     IShell& m_shell;
     CRecoveryStore m_store;
@@ -63,4 +72,5 @@ private:
     int m_idleMs = 1000;
     int m_maxMs = 10000;
     int m_nextId = 1;
+    qsizetype m_sliceBytes = qsizetype(4) << 20;
 };

@@ -138,8 +138,22 @@ TextMatcher::TextMatcher(const SearchQuery& query)
         // A copy of its own per thread, so that no compiled code is shared.
         m_expression = QRegularExpression(query.Pattern(), query.PatternOptions());
         m_expression.optimize();
-        for (const std::string& piece : query.RequiredLiterals())
+        // Tried where the expression matched empty, so that a longer alternative at the
+        // same place ("|ab" at "ab") is found rather than skipped by the step past the
+        // empty match. \G holds at the offset the match was asked to start from.
+        m_nonEmpty = QRegularExpression(QStringLiteral("(?:") + query.Pattern() + QStringLiteral(")(?!\\G)"),
+                                        query.PatternOptions());
+        if (m_nonEmpty.isValid())
+            m_nonEmpty.optimize();
+        for (const std::string& piece : query.RequiredLiterals()) {
             m_candidates.emplace_back(QByteArray::fromStdString(piece), query.RequiredCaseSensitive());
+            // A line that is not UTF-8 is read byte for byte, where "é" is the "é" that
+            // UTF-8 spells in two bytes: look for that spelling too.
+            const bool ascii = std::all_of(piece.begin(), piece.end(), [](char c) { return (c & 0x80) == 0; });
+            const QString text = QString::fromStdString(piece);
+            if (!ascii && std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() <= 0xFF; }))
+                m_candidates.emplace_back(text.toLatin1(), query.RequiredCaseSensitive());
+        }
     } else {
         m_searcher.emplace(QByteArray::fromStdString(query.Literal()), query.LiteralCaseSensitive());
     }
@@ -234,6 +248,19 @@ bool TextMatcher::SearchCandidateLines(std::string_view block, qint64 firstLine,
     return true;
 }
 
+QRegularExpressionMatch TextMatcher::MatchFrom(const QString& text, qsizetype from) const
+{
+    QRegularExpressionMatch match = m_expression.match(text, from, QRegularExpression::NormalMatch, Unchecked);
+    if (match.hasMatch() && match.capturedLength() == 0 && m_nonEmpty.isValid()) {
+        QRegularExpressionMatch longer =
+            m_nonEmpty.match(text, match.capturedStart(), QRegularExpression::NormalMatch,
+                             QRegularExpression::AnchorAtOffsetMatchOption | Unchecked);
+        if (longer.hasMatch())
+            return longer;
+    }
+    return match;
+}
+
 bool TextMatcher::MatchLine(std::string_view block, std::size_t lineStart, std::size_t lineEnd,
                             std::size_t fromByte, qint64 line, const Sink& sink)
 {
@@ -263,7 +290,7 @@ bool TextMatcher::MatchLine(std::string_view block, std::size_t lineStart, std::
     OffsetWalker walker(bytes, length, latin1);
     bool emptyReported = false;
     while (from <= m_lineText.size()) {
-        const QRegularExpressionMatch match = m_expression.match(m_lineText, from, QRegularExpression::NormalMatch, Unchecked);
+        const QRegularExpressionMatch match = MatchFrom(m_lineText, from);
         if (!match.hasMatch())
             break;
         const qsizetype start = match.capturedStart();
@@ -292,6 +319,42 @@ bool TextMatcher::MatchLine(std::string_view block, std::size_t lineStart, std::
 
 bool TextMatcher::SearchWholeBlock(std::string_view block, qint64 firstLine, const Sink& sink)
 {
+    // A line that is not UTF-8 is read byte for byte, as the lines picked by the pieces
+    // of text are. Decoding the whole block one way would make the answer for a line
+    // depend on its neighbours: so valid stretches go whole, each bad line alone.
+    std::size_t at = 0;
+    qint64 line = firstLine;
+    for (;;) {
+        const std::size_t bad = FirstInvalidUtf8(block.data() + at, block.size() - at);
+        if (bad == npos)
+            return SearchValidText(block, at, line, sink);
+        const std::size_t badAt = at + bad;
+        const std::size_t lineStart = std::size_t(FindLineStart(block.data() + at, block.data() + badAt) - block.data());
+        if (lineStart > at) {
+            if (!SearchValidText(block.substr(0, lineStart), at, line, sink))
+                return false;
+            line += qint64(CountLines(block.data() + at, block.data() + lineStart));
+        }
+        const auto* eol = static_cast<const char*>(std::memchr(block.data() + badAt, '\n', block.size() - badAt));
+        const std::size_t lineEnd = eol ? std::size_t(eol - block.data()) : block.size();
+        if (!MatchLine(block, lineStart, lineEnd, 0, line, sink))
+            return false;
+        if (lineEnd + 1 >= block.size())
+            return true;
+        at = lineEnd + 1;
+        ++line;
+    }
+}
+
+bool TextMatcher::SearchValidText(std::string_view whole, std::size_t begin, qint64 firstLine, const Sink& outer)
+{
+    // Offsets in hits count from the start of the whole block.
+    const std::string_view block = whole.substr(begin);
+    const Sink shifted = [&](const LineHit& hit) {
+        return outer(LineHit{hit.lineStart + begin, hit.lineEnd + begin, hit.matchStart + begin,
+                             hit.matchLength, hit.line});
+    };
+    const Sink& sink = begin == 0 ? outer : shifted;
     const char* data = block.data();
     const std::size_t size = block.size();
     bool latin1 = false;
@@ -300,11 +363,15 @@ bool TextMatcher::SearchWholeBlock(std::string_view block, qint64 firstLine, con
     qint64 emptyReportedLine = 0;
     qsizetype from = 0;
     while (from <= text.size()) {
-        const QRegularExpressionMatch match = m_expression.match(text, from, QRegularExpression::NormalMatch, Unchecked);
+        const QRegularExpressionMatch match = MatchFrom(text, from);
         if (!match.hasMatch())
             return true;
         const qsizetype start = match.capturedStart();
         const qsizetype end = match.capturedEnd();
+        // Nothing follows a final line end: the next block starts the next line, and an
+        // empty match there ("$") would report that line twice.
+        if (start == text.size() && start > 0 && text[start - 1] == QLatin1Char('\n'))
+            return true;
         const std::size_t byteStart = walker.ToByte(start);
         std::size_t lineIndex = 0;
         std::size_t lineStart = 0;
@@ -380,6 +447,11 @@ bool TextMatcher::IsWholeWord(std::string_view line, std::size_t start, std::siz
 
 bool TextMatcher::IsValidUtf8(const char* data, std::size_t length)
 {
+    return FirstInvalidUtf8(data, length) == npos;
+}
+
+std::size_t TextMatcher::FirstInvalidUtf8(const char* data, std::size_t length)
+{
     const auto* s = reinterpret_cast<const unsigned char*>(data);
     std::size_t i = 0;
     while (i < length) {
@@ -402,18 +474,18 @@ bool TextMatcher::IsValidUtf8(const char* data, std::size_t length)
         if (c >= 0xC2 && c <= 0xDF) n = 2;
         else if (c >= 0xE0 && c <= 0xEF) n = 3;
         else if (c >= 0xF0 && c <= 0xF4) n = 4;
-        else return false;
+        else return i;
         if (i + n > length)
-            return false;
+            return i;
         for (std::size_t k = 1; k < n; ++k) {
             if ((s[i + k] & 0xC0) != 0x80)
-                return false;
+                return i;
         }
-        if (c == 0xE0 && s[i + 1] < 0xA0) return false;
-        if (c == 0xED && s[i + 1] > 0x9F) return false; // surrogates
-        if (c == 0xF0 && s[i + 1] < 0x90) return false;
-        if (c == 0xF4 && s[i + 1] > 0x8F) return false;
+        if (c == 0xE0 && s[i + 1] < 0xA0) return i;
+        if (c == 0xED && s[i + 1] > 0x9F) return i; // surrogates
+        if (c == 0xF0 && s[i + 1] < 0x90) return i;
+        if (c == 0xF4 && s[i + 1] > 0x8F) return i;
         i += n;
     }
-    return true;
+    return npos;
 }

@@ -46,6 +46,10 @@ public:
     // word characters, white space and punctuation, or the line's edge.
     static bool IsWholeWord(std::string_view line, std::size_t start, std::size_t end);
     static bool IsValidUtf8(const char* data, std::size_t length);
+    // The offset of the first byte that does not begin a valid UTF-8 sequence, or npos.
+    static std::size_t FirstInvalidUtf8(const char* data, std::size_t length);
+
+    static constexpr std::size_t npos = std::size_t(-1);
 
 private:
     bool SearchLiteral(std::string_view block, qint64 firstLine, const Sink& sink);
@@ -53,11 +57,15 @@ private:
     std::size_t NextCandidate(const char* data, std::size_t size, std::size_t from);
     bool SearchCandidateLines(std::string_view block, qint64 firstLine, const Sink& sink);
     bool SearchWholeBlock(std::string_view block, qint64 firstLine, const Sink& sink);
+    // Searches the valid UTF-8 text of `whole` from `begin` in one piece.
+    bool SearchValidText(std::string_view whole, std::size_t begin, qint64 firstLine, const Sink& sink);
+    // The expression's match at or after `from`, preferring a non-empty match to an empty
+    // one at the same place.
+    QRegularExpressionMatch MatchFrom(const QString& text, qsizetype from) const;
     // Runs the expression over one line from byte `fromByte`; reports each match.
     bool MatchLine(std::string_view block, std::size_t lineStart, std::size_t lineEnd,
                    std::size_t fromByte, qint64 line, const Sink& sink);
 
-    static constexpr std::size_t npos = std::size_t(-1);
     // The first occurrence at or after `from`, or npos.
     static std::size_t Find(const CByteSearcher& searcher, const char* data, std::size_t size,
                             std::size_t from);
@@ -68,5 +76,6 @@ private:
     std::vector<CByteSearcher> m_candidates;
     std::vector<std::size_t> m_nextCandidate;
     QRegularExpression m_expression;
+    QRegularExpression m_nonEmpty;
     QString m_lineText;
 };

@@ -7,6 +7,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace {
 
 class FakePrompts : public IWorkspacePrompts
@@ -146,6 +148,10 @@ TEST_F(WorkspaceTest, UnreadableOrMalformedFileLeavesTheOpenWorkspaceAlone)
     m_ws.AddFile(QStringLiteral("/w/more.c"), nullptr, 0, 4);
     TestSupport::WriteFile(Path("bad.spf"), "<ROOT><NODE label=\"x\"></ROOT>");
     TestSupport::WriteFile(Path("other.spf"), "<PROJECT/>");
+    // Things that are no files: a pipe would wait for a writer for ever, a device never
+    // ends, a link to itself leads nowhere.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(Path("pipe.spf")).constData(), 0600), 0);
+    ASSERT_TRUE(QFile::link(Path("loop.spf"), Path("loop.spf")));
     const struct
     {
         QString file;
@@ -154,7 +160,10 @@ TEST_F(WorkspaceTest, UnreadableOrMalformedFileLeavesTheOpenWorkspaceAlone)
         {Path("missing.spf"), "No such file"},
         {Path("bad.spf"), "offset"},
         {Path("other.spf"), "ROOT"},
-        {m_dir, ""}, // a folder cannot be read as a file
+        {m_dir, "directory"},
+        {Path("pipe.spf"), "pipe"},
+        {QStringLiteral("/dev/zero"), "device"},
+        {Path("loop.spf"), "symbolic links"},
     };
     for (const auto& c : cases) {
         m_prompts.messages.clear();

@@ -314,6 +314,25 @@ TEST_F(PropertiesSheetTest, WithoutDefinitionsTheColourControlsAreDisabled)
     EXPECT_FALSE(page.IsModified());
 }
 
+TEST_F(PropertiesSheetTest, TheSessionSwitchIsKeptWhereTheSessionKeeperReadsIt)
+{
+    const auto stored = [] {
+        return CRegistryStore().GetProfileInt(QStringLiteral("EditSettings"), QStringLiteral("RestoreSession"), -1);
+    };
+    CPageGeneralMore page(m_shell, nullptr);
+    EXPECT_FALSE(page.RestoreSession()->isChecked()) << "off unless the user turns it on";
+    page.RestoreSession()->setChecked(true);
+    EXPECT_TRUE(page.IsModified());
+    EXPECT_EQ(stored(), -1) << "nothing is written before Apply";
+    page.Apply();
+    EXPECT_EQ(stored(), 1);
+    CPageGeneralMore again(m_shell, nullptr);
+    EXPECT_TRUE(again.RestoreSession()->isChecked());
+    again.RestoreSession()->setChecked(false);
+    again.Apply();
+    EXPECT_EQ(stored(), 0);
+}
+
 TEST_F(PropertiesSheetTest, TheIntegrationSwitchInstallsAndRemovesTheDesktopEntry)
 {
     DesktopIntegration::Remove();

@@ -10,6 +10,10 @@
 #include <QTest>
 #include <QTimer>
 
+#include "hex/CHexDocument.h"
+
+#include <utility>
+
 namespace {
 
 // Answers each question box with the next of the given buttons, recording its text and
@@ -26,6 +30,13 @@ public:
             texts.append(box->text());
             defaults.append(box->defaultButton() ? box->standardButton(box->defaultButton())
                                                  : QMessageBox::NoButton);
+            offered.append(box->findChild<QAbstractButton*>(QStringLiteral("CompareWithDisk")) != nullptr);
+            if (!clickNamed.isEmpty()) {
+                if (auto* named = box->findChild<QAbstractButton*>(std::exchange(clickNamed, QString()))) {
+                    named->click();
+                    return;
+                }
+            }
             const auto button = m_buttons.isEmpty() ? QMessageBox::No : m_buttons.takeFirst();
             if (QAbstractButton* b = box->button(button))
                 b->click();
@@ -37,6 +48,8 @@ public:
 
     QStringList texts;
     QList<QMessageBox::StandardButton> defaults;
+    QList<bool> offered; // whether each box offered to compare
+    QString clickNamed;  // a button of our own to click instead, once
 
 private:
     QList<QMessageBox::StandardButton> m_buttons;
@@ -210,6 +223,115 @@ INSTANTIATE_TEST_SUITE_P(Answers, DeletedFile,
                          ::testing::Values(DeletedCase{"Kept", QMessageBox::Yes},
                                            DeletedCase{"Closed", QMessageBox::No}),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// With changes of its own the document offers a compare before the choice; the compare
+// decides nothing, so the question stays open.
+TEST_F(ExternalChange, ModifiedDocumentOffersACompareThatDecidesNothing)
+{
+    m_answerer.reset();
+    const QString path = Path(QStringLiteral("both.txt"));
+    TestSupport::WriteFile(path, "base\n");
+    CScrivelDoc* document = Open(path);
+    ASSERT_NE(document, nullptr);
+    Shell(QStringLiteral("echo theirs > '%1'").arg(path));
+    {
+        // Nobody to show a compare: no such button, even with changes of its own.
+        Retype(document, "mine\n");
+        Answers answers({QMessageBox::No});
+        document->CheckDiskChange();
+        ASSERT_EQ(answers.offered, QList<bool>{false});
+        Shell(QStringLiteral("echo theirs again > '%1'").arg(path));
+    }
+    QSignalSpy compare(document, &CScrivelDoc::compareWithDiskRequested);
+    Answers answers({QMessageBox::No});
+    answers.clickNamed = QStringLiteral("CompareWithDisk");
+    document->CheckDiskChange();
+    ASSERT_EQ(answers.offered, QList<bool>{true});
+    EXPECT_EQ(compare.count(), 1);
+    EXPECT_EQ(document->GetEditor()->GetText(), QByteArray("mine\n"));
+    EXPECT_TRUE(document->IsModified());
+    document->CheckDiskChange(); // still undecided: asked again, and No now keeps ours
+    EXPECT_EQ(answers.texts.size(), 2);
+    document->CheckDiskChange();
+    EXPECT_EQ(answers.texts.size(), 2);
+
+    // Without changes of its own there is nothing to compare.
+    document->SetModifiedFlag(false);
+    Shell(QStringLiteral("echo third > '%1'").arg(path));
+    document->CheckDiskChange();
+    EXPECT_EQ(answers.offered.last(), false);
+}
+
+// The hex document with its questions answered in turn and recorded.
+class AnsweringHexDocument : public CHexDocument
+{
+public:
+    QList<QMessageBox::StandardButton> answers;
+    QStringList asked;
+    QList<QMessageBox::StandardButton> defaults;
+
+protected:
+    void ShowMessage(QMessageBox::Icon, const QString& text) override { asked.append(text); }
+    QMessageBox::StandardButton Ask(QMessageBox::Icon, const QString& text, QMessageBox::StandardButtons,
+                                    QMessageBox::StandardButton byDefault) override
+    {
+        asked.append(text);
+        defaults.append(byDefault);
+        return answers.isEmpty() ? QMessageBox::No : answers.takeFirst();
+    }
+};
+
+TEST_F(ExternalChange, HexDocumentNoticesChangesAndAsksBeforeOverwriting)
+{
+    const QString path = Path(QStringLiteral("blob.bin"));
+    TestSupport::WriteFile(path, QByteArray("\x01\x02\x03\x04", 4));
+    AnsweringHexDocument document;
+    ASSERT_TRUE(document.OnOpenDocument(path));
+    document.SetPathName(path);
+    document.CheckDiskChange();
+    EXPECT_TRUE(document.asked.isEmpty()) << "nothing changed yet";
+
+    // Unmodified: Yes is the default and reloads the other program's bytes, even when
+    // the file shrank under the mapping.
+    Shell(QStringLiteral("printf 'AB' > '%1'").arg(path));
+    document.answers = {QMessageBox::Yes};
+    document.CheckDiskChange();
+    ASSERT_EQ(document.asked.size(), 1);
+    EXPECT_EQ(document.asked.first(), QStringLiteral("\"%1\" has been changed by another program. Reload it?").arg(path));
+    EXPECT_EQ(document.defaults.first(), QMessageBox::Yes);
+    EXPECT_EQ(document.Bytes().Read(0, document.Size()), QByteArray("AB"));
+
+    // With edits of its own No is the default; the declined change is not asked again,
+    // but a save over it asks, and No leaves the other program's bytes alone.
+    // (Written beside and renamed over, as editors save: the bytes we map stay ours.)
+    ASSERT_TRUE(document.Insert(0, "Z"));
+    Shell(QStringLiteral("printf 'theirs' > '%1.new' && mv '%1.new' '%1'").arg(path));
+    document.CheckDiskChange();
+    EXPECT_EQ(document.defaults.last(), QMessageBox::No);
+    document.CheckDiskChange();
+    EXPECT_EQ(document.asked.size(), 2);
+    document.answers = {QMessageBox::No};
+    EXPECT_FALSE(document.DoFileSave());
+    EXPECT_EQ(document.asked.last(),
+              QStringLiteral("\"%1\" has been changed by another program since it was read. "
+                             "Overwrite it with this document?").arg(path));
+    EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("theirs"));
+    EXPECT_TRUE(document.IsModified());
+    document.answers = {QMessageBox::Yes};
+    EXPECT_TRUE(document.DoFileSave());
+    EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("ZAB"));
+    document.CheckDiskChange();
+    EXPECT_EQ(document.asked.size(), 4) << "our own save is no outside change";
+
+    // Removed: kept open as the only copy, so that closing asks to save it.
+    Shell(QStringLiteral("rm '%1'").arg(path));
+    document.answers = {QMessageBox::Yes};
+    document.CheckDiskChange();
+    EXPECT_EQ(document.asked.last(),
+              QStringLiteral("\"%1\" has been deleted by another program. Keep it open in the editor?").arg(path));
+    EXPECT_TRUE(document.IsModified());
+    EXPECT_EQ(document.Bytes().Read(0, document.Size()), QByteArray("ZAB"));
+}
 
 // The question comes when the program is brought back, not before.
 TEST_F(ExternalChange, ComingBackToTheProgramTriggersTheCheck)

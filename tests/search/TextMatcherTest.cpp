@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -77,6 +78,65 @@ TEST(TextMatcher, InvalidUtf8IsMatchedByteForByte)
         for (const QString& pattern : {QStringLiteral("= [0-9]+"), QStringLiteral("[=][ ][0-9]+")})
             EXPECT_EQ(Scan(text, pattern, true, false, true), "2:= 1;2:= 22") << pattern.toStdString();
     }
+}
+
+// Only the hits with text: where an expression also matches empty, those are what a
+// user looks for.
+std::string NonEmpty(const std::string& hits)
+{
+    std::string out;
+    std::size_t at = 0;
+    while (at <= hits.size()) {
+        std::size_t end = hits.find(';', at);
+        if (end == std::string::npos)
+            end = hits.size();
+        const std::string hit = hits.substr(at, end - at);
+        if (!hit.empty() && hit.back() != ':')
+            out += (out.empty() ? "" : ";") + hit;
+        at = end + 1;
+    }
+    return out;
+}
+
+TEST(TextMatcher, EmptyAlternativeStillFindsTheLongerOne)
+{
+    // With and without a piece of text to pick lines by, at a line's start and inside it.
+    const std::string text = "xxab\nab\nnone\nab cd\n";
+    EXPECT_EQ(NonEmpty(Scan(text, QStringLiteral("|ab"), true, false, true)), "1:ab;2:ab;4:ab");
+    EXPECT_EQ(NonEmpty(Scan(text, QStringLiteral("(?:|ab|cd)"), true, false, true)), "1:ab;2:ab;4:ab;4:cd");
+    EXPECT_EQ(NonEmpty(Scan(text, QStringLiteral("x*|[a-d]+"), true, false, true)), "1:xx;1:ab;2:ab;4:ab;4:cd");
+}
+
+TEST(TextMatcher, LineIsMatchedTheSameWhateverItsNeighbours)
+{
+    // A line's bytes decide how it is read: a block holding a line that is not UTF-8
+    // must not turn its valid lines into single bytes, whether or not the expression
+    // has a piece of text to pick lines by.
+    const std::vector<std::string> lines = {"caf\xC3\xA9 au lait", "caf\xE9 latin", "na\xC3\xAFve", "", "\xFF\xFE",
+                                            "plain caf\xC3\xA9"};
+    std::string block;
+    for (const std::string& l : lines)
+        block += l + "\n";
+    for (const char* pattern : {"caf.", "caf\xC3\xA9", "\xC3\xA9", "\xC3\xA9|\xC3\xAF", ".\\s", "\\w+", "[^a-z ]", "^$"}) {
+        const QString find = QString::fromUtf8(pattern);
+        std::string alone;
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const std::string hits = Scan(lines[i], find, true, false, true, qint64(i) + 1);
+            alone += (alone.empty() || hits.empty() ? "" : ";") + hits;
+        }
+        EXPECT_EQ(Scan(block, find, true, false, true), alone) << pattern;
+    }
+    // Read byte for byte, "\xE9" is the "é" of the pattern, whichever way lines are picked.
+    EXPECT_EQ(Scan(block, QString::fromUtf8("caf\xC3\xA9"), true, false, true),
+              "1:caf\xC3\xA9;2:caf\xE9;6:caf\xC3\xA9");
+    EXPECT_EQ(Scan(block, QString::fromUtf8("caf\xC3\xA9|\\d{9}"), true, false, true),
+              "1:caf\xC3\xA9;2:caf\xE9;6:caf\xC3\xA9");
+}
+
+TEST(TextMatcher, EmptyMatchAfterTheFinalLineEndIsNotAnotherLine)
+{
+    // Blocks end at a line end; the next block reports the line that follows.
+    EXPECT_EQ(Scan("ab\ncd\n", QStringLiteral("$"), true, false, true), "1:;2:");
 }
 
 struct ColumnCase
