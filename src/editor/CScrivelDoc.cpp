@@ -5,6 +5,7 @@
 #include "CMFCScintilla.h"
 #include "CScrivelFrame.h"
 #include "CScrivelView.h"
+#include "LargeFileMode.h"
 #include "MemoryGuard.h"
 #include "TextLoader.h"
 #include "TextSaver.h"
@@ -47,6 +48,15 @@ AnsiCodePage ConfiguredCodePage()
     return AnsiCodePage(CRegistryStore().GetProfileString(
         QStringLiteral("EditSettings"), QStringLiteral("AnsiCodePage"),
         QString::fromLatin1(AnsiCodePage::DefaultName)));
+}
+
+qint64 EditSetting(const QString& name, qint64 fallback)
+{
+    bool ok = false;
+    const qint64 value = CRegistryStore()
+                             .GetProfileString(QStringLiteral("EditSettings"), name, QString::number(fallback))
+                             .toLongLong(&ok);
+    return ok ? value : fallback;
 }
 
 QString ExtensionOf(const QString& path)
@@ -152,10 +162,28 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
         return false;
     }
 
+    // Past the large-file size the text is kept without colours; past 2 GB the control
+    // needs its large storage.
+    const qint64 fileSize = QFileInfo(path).size();
+    const bool large = LargeFileMode::IsLarge(
+        fileSize, LargeFileMode::ThresholdBytes(EditSetting(QStringLiteral("LargeFileSize"),
+                                                            LargeFileMode::DefaultLargeFileMegabytes)));
+    const qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
+    if (const int options = LargeFileMode::DocumentOptions(textBytes, !large); options != 0) {
+        if (!ReplaceControlDocument(textBytes, options)) {
+            ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), tr("Not enough memory")));
+            return false;
+        }
+        editor = GetEditor();
+    }
+    m_plain = large ? PlainReason::LargeFile : PlainReason::None;
+
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     const AnsiCodePage codePage = ConfiguredCodePage();
     const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress,
                                                      &codePage);
+    if (read.cancelled)
+        return false;
     if (!read.ok) {
         ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), read.error));
         return false;
@@ -175,6 +203,16 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     editor->EmptyUndoBuffer();
     editor->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLEENFORCEPOLICY, 0UL);
     editor->GotoLine(0);
+
+    // A line longer than the control lays out quickly is left uncoloured, as large files are.
+    if (!large) {
+        const char* text = reinterpret_cast<const char*>(
+            editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+        if (LargeFileMode::HasLineLongerThan(text, editor->GetLength(),
+                                             EditSetting(QStringLiteral("LongLineLength"),
+                                                         LargeFileMode::DefaultLongLineLength)))
+            m_plain = PlainReason::LongLine;
+    }
 
     m_diskStamp = FileStamp::Of(path);
     ApplyParserForExtension(ExtensionOf(path));
@@ -377,6 +415,72 @@ bool CScrivelDoc::Reload()
     m_declinedStamp = FileStamp();
     SetModifiedFlag(false);
     return true;
+}
+
+bool CScrivelDoc::ReplaceControlDocument(qint64 bytes, int options)
+{
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return false;
+    // The control reserves nothing up front for `bytes` beyond its first allocation; the
+    // figure only sizes it.
+    void* fresh = reinterpret_cast<void*>(editor->SendScintilla(
+        QsciScintillaBase::SCI_CREATEDOCUMENT, static_cast<unsigned long>(std::max<qint64>(bytes, 0)),
+        static_cast<long>(options)));
+    if (!fresh)
+        return false;
+    void* old = std::exchange(m_sharedDocument, fresh); // the new one's first reference is ours
+    for (CMFCScintilla* view : std::as_const(m_editors))
+        view->SetDocPointer(fresh);
+    if (old)
+        editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
+    return true;
+}
+
+void CScrivelDoc::TurnColouringOn()
+{
+    if (!ColouringOff())
+        return;
+    m_plain = PlainReason::None;
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return;
+    const long options = editor->SendScintilla(QsciScintillaBase::SCI_GETDOCUMENTOPTIONS);
+    if (!(options & LargeFileMode::StylesNone))
+        return;
+
+    // Move the text into a document with style bytes. The old one stays alive (and its
+    // text in place) until the copy is done.
+    void* old = m_sharedDocument;
+    editor->SendScintilla(QsciScintillaBase::SCI_ADDREFDOCUMENT, 0UL, old);
+    const long length = editor->GetLength();
+    const long caret = editor->GetCurrentPos();
+    const int eol = editor->GetEOLMode();
+    const bool readOnly = editor->GetReadOnly();
+    const bool modified = IsModified();
+    const char* text = reinterpret_cast<const char*>(
+        editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    if (!ReplaceControlDocument(length, LargeFileMode::DocumentOptions(length, true))) {
+        editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
+        m_plain = PlainReason::LargeFile;
+        return;
+    }
+    editor = GetEditor();
+    const long mask = editor->SendScintilla(QsciScintillaBase::SCI_GETMODEVENTMASK);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, 0UL);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0UL);
+    editor->SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
+    editor->AddText(text, length);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1UL);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, static_cast<unsigned long>(mask));
+    editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
+    editor->EmptyUndoBuffer();
+    editor->SetEOLMode(eol);
+    if (!modified)
+        editor->SetSavePoint();
+    editor->SetReadOnly(readOnly);
+    editor->GotoPos(caret);
+    SetModifiedFlag(modified);
 }
 
 void CScrivelDoc::CheckDiskChange()
