@@ -15,12 +15,19 @@ void CMFCScintilla::SetReadOnly(bool readOnly)
 
 void CMFCScintilla::Undo()
 {
+    // One step may hold a million changes (a Replace All): announced once, not each.
+    const bool deferred = m_deferredNotices;
+    SetDeferredChangeNotices(true);
     SendScintilla(SCI_UNDO);
+    SetDeferredChangeNotices(deferred);
 }
 
 void CMFCScintilla::Redo()
 {
+    const bool deferred = m_deferredNotices;
+    SetDeferredChangeNotices(true);
     SendScintilla(SCI_REDO);
+    SetDeferredChangeNotices(deferred);
 }
 
 void CMFCScintilla::Cut()

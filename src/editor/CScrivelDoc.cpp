@@ -50,6 +50,8 @@ AnsiCodePage ConfiguredCodePage()
         QString::fromLatin1(AnsiCodePage::DefaultName)));
 }
 
+constexpr long kDeferredNoticeBytes = 8L << 20;
+
 qint64 EditSetting(const QString& name, qint64 fallback)
 {
     bool ok = false;
@@ -87,6 +89,7 @@ int CScrivelDoc::AttachView(CMFCScintilla* editor)
     m_editors.append(editor);
     if (m_sharedDocument) {
         editor->SetDocPointer(m_sharedDocument);
+        editor->SetDeferredChangeNotices(m_deferredNotices);
         return 1;
     }
     m_sharedDocument = editor->GetDocPointer();
@@ -213,6 +216,12 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
                                                          LargeFileMode::DefaultLongLineLength)))
             m_plain = PlainReason::LongLine;
     }
+
+    // The control's own change handling counts every character in front of a change:
+    // with megabytes in front, each keystroke would wait for it.
+    m_deferredNotices = ColouringOff() || editor->GetLength() > kDeferredNoticeBytes;
+    for (CMFCScintilla* view : std::as_const(m_editors))
+        view->SetDeferredChangeNotices(m_deferredNotices);
 
     m_diskStamp = FileStamp::Of(path);
     ApplyParserForExtension(ExtensionOf(path));

@@ -92,4 +92,5 @@ private:
     void* m_sharedDocument = nullptr;
     QList<CMFCScintilla*> m_editors;
     PlainReason m_plain = PlainReason::None;
+    bool m_deferredNotices = false;
 };

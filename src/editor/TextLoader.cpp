@@ -2,13 +2,13 @@
 
 #include "CMFCScintilla.h"
 #include "EncodingReader.h"
+#include "LongOperation.h"
 #include "TextEncoding.h"
 #include "TextFile.h"
 #include "framework/IStatusSink.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QElapsedTimer>
 
 #include <condition_variable>
 #include <deque>
@@ -181,9 +181,8 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
     const qint64 size = QFileInfo(path).size();
     const bool wasReadOnly = editor.GetReadOnly();
     editor.SetReadOnly(false);
-    progress.StartProgress(size);
-    progress.OfferCancel();
     {
+        LongOperation operation(&progress, size, 0);
         QuietLoad quiet(editor);
         editor.SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
         editor.Allocate(static_cast<long>(size + 1000));
@@ -191,21 +190,14 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
 
         DecodedSteps steps;
         std::thread reader(ReadAndDecode, path, encoding, bomLength, codePage, std::ref(steps));
-        QElapsedTimer sinceEvents;
-        sinceEvents.start();
         DecodedSteps::Step step;
         while (!steps.Drained()) {
             if (steps.Take(step, 20)) {
                 editor.AddText(step.text.data(), static_cast<long>(step.text.size()));
                 result.bytesRead = step.fileOffset;
-                progress.SetProgress(step.fileOffset);
                 std::string().swap(step.text);
             }
-            if (sinceEvents.elapsed() >= 30) {
-                QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-                sinceEvents.restart();
-            }
-            if (progress.CancelRequested()) {
+            if (!operation.Step(result.bytesRead)) {
                 result.cancelled = true;
                 steps.Stop();
                 break;
@@ -213,11 +205,11 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
         }
         reader.join();
         if (!result.cancelled) {
+            progress.SetProgress(result.bytesRead);
             result.error = steps.Error();
             result.lostBytes = steps.Lost();
         }
     }
-    progress.StopProgress();
     if (result.cancelled) {
         // Nothing of a cancelled load stays behind.
         editor.ClearAll();

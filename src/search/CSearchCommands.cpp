@@ -216,9 +216,11 @@ void CSearchCommands::OnFindNextFromBox(bool previous)
         return;
     m_lastSearchText = text;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(0);
     // Forward wraps, backward stops at the top.
-    if (search.FindText(text, previous, !previous) == -1)
+    if (search.FindText(text, previous, !previous) == -1 && !search.WasCancelled())
         Information(tr("The search text was not found"));
 }
 
@@ -230,8 +232,10 @@ void CSearchCommands::FindInActiveView(const QString& text, bool matchCase, bool
     if (!editor)
         return;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(matchCase, matchWord, regExp);
-    if (search.FindText(text, searchUp, wrapAround) == -1)
+    if (search.FindText(text, searchUp, wrapAround) == -1 && !search.WasCancelled())
         Information(tr("The search text was not found"));
     RefreshFindBox();
 }
@@ -244,6 +248,8 @@ void CSearchCommands::MarkAllInActiveView(const QString& text, bool matchCase, b
     if (!editor)
         return;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(matchCase, matchWord, regExp);
     if (!search.MarkAll(text))
         Information(tr("The search text was not found"));
@@ -263,6 +269,8 @@ long CSearchCommands::ReplaceInActiveView(const QString& find, const QString& re
     if (!editor)
         return -1;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(matchCase, matchWord, regExp);
     long result = -1;
     if (replaceAll) {
@@ -275,7 +283,7 @@ long CSearchCommands::ReplaceInActiveView(const QString& find, const QString& re
             Information(tr("Search text not found."));
     } else {
         result = search.ReplaceNext(find, replace, regExp, lastFound);
-        if (result == -1)
+        if (result == -1 && !search.WasCancelled())
             Information(tr("The search text was not found"));
     }
     RefreshFindBox();
