@@ -151,8 +151,15 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     BomLength = options.bomLength;
     WriteMark = BomLength > 0;
 
+    // Past the large-file size the text is kept without colours; past 2 GB the control
+    // needs its large storage.
+    const qint64 fileSize = QFileInfo(path).size();
+    const bool large = LargeFileMode::IsLarge(
+        fileSize, LargeFileMode::ThresholdBytes(EditSetting(QStringLiteral("LargeFileSize"),
+                                                            LargeFileMode::DefaultLargeFileMegabytes)));
+
     // A file that will not fit is not loaded blindly: the hex view maps it instead.
-    if (const qint64 needed = MemoryGuard::EstimateTextLoad(QFileInfo(path).size(), Encoding);
+    if (const qint64 needed = MemoryGuard::EstimateTextLoad(fileSize, Encoding, !large);
         !MemoryGuard::Fits(needed, MemoryGuard::AvailableMemory())) {
         QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
                         tr("This file is too large to open as text"), QMessageBox::Open | QMessageBox::Cancel,
@@ -165,12 +172,6 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
         return false;
     }
 
-    // Past the large-file size the text is kept without colours; past 2 GB the control
-    // needs its large storage.
-    const qint64 fileSize = QFileInfo(path).size();
-    const bool large = LargeFileMode::IsLarge(
-        fileSize, LargeFileMode::ThresholdBytes(EditSetting(QStringLiteral("LargeFileSize"),
-                                                            LargeFileMode::DefaultLargeFileMegabytes)));
     const qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
     if (const int options = LargeFileMode::DocumentOptions(textBytes, !large); options != 0) {
         if (!ReplaceControlDocument(textBytes, options)) {

@@ -206,6 +206,10 @@ TEST_F(LargeFileTest, LargeDocumentAnnouncesChangesOncePerTurn)
     QCoreApplication::processEvents();
     EXPECT_EQ(inserts(), QList<int>{2});
     EXPECT_TRUE(document->IsModified());
+    ASSERT_TRUE(document->DoSave(document->GetPathName()));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_FALSE(document->GetTitle().endsWith(QLatin1Char('*')));
 
     // A small document keeps the control's own notices.
     SetEdit("LargeFileSize", 64);
