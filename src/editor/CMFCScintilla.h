@@ -236,6 +236,7 @@ private:
     bool m_blockSelect = false;
 
     void AnnounceDeferredChange();
+    void UndoRedoQuietly(unsigned int message);
     bool m_deferredNotices = false;
     bool m_changePending = false;
     int m_pendingType = 0;

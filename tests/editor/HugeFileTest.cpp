@@ -34,8 +34,9 @@ QString MakeSparseText(const QString& dir)
         file.seek(at);
         file.write("\n", 1);
     }
-    file.seek(kSize - kTail.size());
-    file.write(kTail);
+    // The text's own line starts right after a line end.
+    file.seek(kSize - kTail.size() - 1);
+    file.write("\n" + kTail);
     return path;
 }
 
@@ -67,24 +68,26 @@ TEST(HugeFile, PositionsPast31BitsSurviveOpenFindGoToBookmarksAndSave)
     CMFCScintilla* editor = document->GetEditor();
     EXPECT_TRUE(editor->SendScintilla(QsciScintillaBase::SCI_GETDOCUMENTOPTIONS) & LargeFileMode::TextLarge);
     ASSERT_EQ(editor->GetLength(), kSize);
-    const long lastLine = editor->GetLineCount() - 1;
-    EXPECT_EQ(lastLine, kSize / kLineEvery);
+    // The last line is the empty one behind the text's line end.
+    const long textLine = editor->GetLineCount() - 2;
+    EXPECT_EQ(textLine, kSize / kLineEvery);
+    EXPECT_EQ(editor->PositionFromLine(textLine), kSize - kTail.size());
 
     // Find from the top lands past 2 GB, on the right line and column.
     editor->GotoPos(0);
     const long found = CTextSearch(editor).FindText(QStringLiteral("needle"), false, false);
     EXPECT_EQ(found, kSize - kTail.size() + 4);
     EXPECT_GT(found, long(INT_MAX));
-    EXPECT_EQ(editor->LineFromPosition(found), lastLine);
+    EXPECT_EQ(editor->LineFromPosition(found), textLine);
     EXPECT_TRUE(static_cast<CScrivelFrame*>(document->GetFrames().first())
                     ->StatusText()
-                    .startsWith(QString::asprintf("Ln %2ld Col %2ld", lastLine + 1, 10L)));
+                    .startsWith(QString::asprintf("Ln %2ld Col %2ld", textLine + 1, 10L)));
 
     // Go to line and bookmarks address the last line by its 64-bit position.
     editor->GotoPos(0);
-    document->GoToLineColumn(lastLine + 1, 0);
+    document->GoToLineColumn(textLine + 1, 0);
     EXPECT_EQ(editor->GetCurrentPos(), kSize - kTail.size());
-    editor->ToggleBookmark(lastLine);
+    editor->ToggleBookmark(textLine);
     editor->GotoPos(0);
     EXPECT_TRUE(editor->NextBookmark(true, false));
     EXPECT_EQ(editor->GetCurrentPos(), kSize - kTail.size());
