@@ -30,6 +30,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTimer>
@@ -356,6 +357,11 @@ void CMainFrame::CreateStatusBar()
     for (QLabel* label : {m_overtypeLabel, m_capsLabel, m_numLabel, m_scrollLabel})
         statusBar()->addPermanentWidget(label);
     statusBar()->addPermanentWidget(m_progress);
+    m_progressCancel = new QPushButton(tr("Cancel"), this);
+    m_progressCancel->setObjectName(QStringLiteral("ProgressCancel"));
+    m_progressCancel->setVisible(false);
+    connect(m_progressCancel, &QPushButton::clicked, this, [this] { m_progressCancelled = true; });
+    statusBar()->addPermanentWidget(m_progressCancel);
 
     m_indicators = new KeyboardIndicators(this);
     qApp->installEventFilter(m_indicators);
@@ -478,6 +484,7 @@ QString CMainFrame::PositionText() const
 void CMainFrame::StartProgress(qint64 range)
 {
     m_progressRange = range > 0 ? range : 1;
+    m_progressCancelled = false;
     m_progress->setValue(0);
     m_progress->setVisible(true);
 }
@@ -489,8 +496,20 @@ void CMainFrame::SetProgress(qint64 done)
         m_progress->setValue(std::min(value, 1000));
 }
 
+void CMainFrame::OfferCancel()
+{
+    m_progressCancelled = false;
+    m_progressCancel->setVisible(true);
+}
+
+bool CMainFrame::CancelRequested() const
+{
+    return m_progressCancelled;
+}
+
 void CMainFrame::StopProgress()
 {
+    m_progressCancel->setVisible(false);
     m_progress->setVisible(false);
     m_progress->reset();
 }

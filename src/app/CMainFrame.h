@@ -18,6 +18,7 @@ class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
 class QProgressBar;
+class QPushButton;
 class QTabBar;
 
 // The main window: the MDI area with its document tabs, the status bar and the dock
@@ -69,6 +70,8 @@ public:
     void StartProgress(qint64 range) override;
     void SetProgress(qint64 done) override;
     void StopProgress() override;
+    void OfferCancel() override;
+    bool CancelRequested() const override;
 
     const MainFrameSettings& Settings() const { return m_settings; }
     QMdiArea* MdiArea() const { return m_mdiArea; }
@@ -142,6 +145,8 @@ private:
     std::multimap<int, PropertyPageFactory> m_propertyPages;
     int m_tabAlignment = 1;
     QProgressBar* m_progress = nullptr;
+    QPushButton* m_progressCancel = nullptr;
     qint64 m_progressRange = 0;
+    bool m_progressCancelled = false;
     bool m_shown = false;
 };

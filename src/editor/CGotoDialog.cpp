@@ -1,5 +1,7 @@
 #include "CGotoDialog.h"
 
+#include <climits>
+
 #include <QDialogButtonBox>
 #include <QIcon>
 #include <QLabel>
@@ -56,10 +58,10 @@ void CGotoDialog::OnTextChanged(const QString& text)
     bool ok = false;
     const qulonglong value = text.toULongLong(&ok);
     // More digits than any line count: the last line it is.
-    m_line = (!ok || value > qulonglong(INT_MAX)) ? INT_MAX : int(value);
+    m_line = (!ok || value > qulonglong(LONG_MAX)) ? LONG_MAX : long(value);
 }
 
 long CGotoDialog::TargetLine() const
 {
-    return m_line > 0 ? long(m_line) - 1 : 0;
+    return m_line > 0 ? m_line - 1 : 0;
 }

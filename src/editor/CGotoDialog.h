@@ -17,7 +17,7 @@ public:
     CGotoDialog(QWidget* parent, long lineCount);
 
     // The chosen number as typed; 0 while the box is empty.
-    int GetLine() const { return m_line; }
+    long GetLine() const { return m_line; }
     // The control's line (counted from 0) for the chosen number.
     long TargetLine() const;
 
@@ -30,5 +30,5 @@ private:
     QLabel* m_label;
     QLineEdit* m_edit;
     QDialogButtonBox* m_buttons;
-    int m_line = 1;
+    long m_line = 1;
 };

@@ -16,13 +16,23 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <algorithm>
+#include <climits>
 
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
 {
-    connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
+    connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int position, int type) {
         if (type & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))
             m_headingsDirty = true;
+        if (m_deferredNotices && (type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE))) {
+            if (!m_changePending) {
+                m_changePending = true;
+                m_pendingType = (type & SC_MOD_BEFOREINSERT) ? SC_MOD_INSERTTEXT : SC_MOD_DELETETEXT;
+                m_pendingPosition = position;
+                m_linesBeforeChange = GetLineCount();
+                QMetaObject::invokeMethod(this, &CMFCScintilla::AnnounceDeferredChange, Qt::QueuedConnection);
+            }
+        }
     });
     connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
         if (updated & SC_UPDATE_V_SCROLL)
@@ -30,6 +40,26 @@ CMFCScintilla::CMFCScintilla(QWidget* parent)
         if (m_headingsDirty)
             DecorateHeadings();
     });
+}
+
+void CMFCScintilla::SetDeferredChangeNotices(bool deferred)
+{
+    m_deferredNotices = deferred;
+    // Only the "before" notices reach the control's handler then: they carry no text and
+    // cost it nothing.
+    constexpr long announced = SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE | SC_MOD_CHANGEMARKER;
+    SendScintilla(SCI_SETMODEVENTMASK, static_cast<unsigned long>(deferred ? announced : long(SC_MODEVENTMASKALL)));
+}
+
+void CMFCScintilla::AnnounceDeferredChange()
+{
+    if (!m_changePending)
+        return;
+    m_changePending = false;
+    const long linesAdded = GetLineCount() - m_linesBeforeChange;
+    m_headingsDirty = true;
+    Q_EMIT SCN_MODIFIED(int(std::min<long>(m_pendingPosition, INT_MAX)), m_pendingType | SC_PERFORMED_USER,
+                        nullptr, 0, int(linesAdded), 0, 0, 0, 0, 0);
 }
 
 void CMFCScintilla::DecorateHeadings()

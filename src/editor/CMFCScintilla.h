@@ -206,6 +206,12 @@ public:
     // Moves the caret to a line with an explicit jump, which views record for navigation.
     void JumpToLine(long line);
 
+    // For very large text: changes are announced once the event loop comes round, as one
+    // SCN_MODIFIED (insert or delete, without the text) per turn, instead of by the control
+    // itself, whose own handling counts every character in front of each change.
+    void SetDeferredChangeNotices(bool deferred);
+    bool DeferredChangeNotices() const { return m_deferredNotices; }
+
 Q_SIGNALS:
     // The caret jumped by a command (bookmark, go to); positions before and after.
     void caretJumped(long from, long to);
@@ -228,4 +234,12 @@ private:
     // The control forgets a selection mode at the next click or caret jump, so block
     // selection is kept here and given to every mouse drag.
     bool m_blockSelect = false;
+
+    void AnnounceDeferredChange();
+    void UndoRedoQuietly(unsigned int message);
+    bool m_deferredNotices = false;
+    bool m_changePending = false;
+    int m_pendingType = 0;
+    long m_pendingPosition = 0;
+    long m_linesBeforeChange = 0;
 };

@@ -15,12 +15,28 @@ void CMFCScintilla::SetReadOnly(bool readOnly)
 
 void CMFCScintilla::Undo()
 {
-    SendScintilla(SCI_UNDO);
+    UndoRedoQuietly(SCI_UNDO);
 }
 
 void CMFCScintilla::Redo()
 {
-    SendScintilla(SCI_REDO);
+    UndoRedoQuietly(SCI_REDO);
+}
+
+void CMFCScintilla::UndoRedoQuietly(unsigned int message)
+{
+    // One step may hold a million changes (a Replace All): the control announces none
+    // of them, and listeners hear of the whole step once.
+    const long mask = SendScintilla(SCI_GETMODEVENTMASK);
+    const long lines = GetLineCount();
+    const long length = GetLength();
+    SendScintilla(SCI_SETMODEVENTMASK, 0UL);
+    SendScintilla(message);
+    SendScintilla(SCI_SETMODEVENTMASK, static_cast<unsigned long>(mask));
+    m_headingsDirty = true;
+    const int type = GetLength() >= length ? SC_MOD_INSERTTEXT : SC_MOD_DELETETEXT;
+    Q_EMIT SCN_MODIFIED(0, type | (message == SCI_UNDO ? SC_PERFORMED_UNDO : SC_PERFORMED_REDO), nullptr, 0,
+                        int(GetLineCount() - lines), 0, 0, 0, 0, 0);
 }
 
 void CMFCScintilla::Cut()

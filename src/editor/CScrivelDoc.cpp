@@ -6,6 +6,7 @@
 #include "CMFCScintilla.h"
 #include "CScrivelFrame.h"
 #include "CScrivelView.h"
+#include "LargeFileMode.h"
 #include "MemoryGuard.h"
 #include "TextLoader.h"
 #include "TextSaver.h"
@@ -52,6 +53,17 @@ AnsiCodePage ConfiguredCodePage()
         QString::fromLatin1(AnsiCodePage::DefaultName)));
 }
 
+constexpr long kDeferredNoticeBytes = 8L << 20;
+
+qint64 EditSetting(const QString& name, qint64 fallback)
+{
+    bool ok = false;
+    const qint64 value = CRegistryStore()
+                             .GetProfileString(QStringLiteral("EditSettings"), name, QString::number(fallback))
+                             .toLongLong(&ok);
+    return ok ? value : fallback;
+}
+
 QString ExtensionOf(const QString& path)
 {
     const QString suffix = QFileInfo(path).suffix();
@@ -80,6 +92,7 @@ int CScrivelDoc::AttachView(CMFCScintilla* editor)
     m_editors.append(editor);
     if (m_sharedDocument) {
         editor->SetDocPointer(m_sharedDocument);
+        editor->SetDeferredChangeNotices(m_deferredNotices);
         return 1;
     }
     m_sharedDocument = editor->GetDocPointer();
@@ -141,8 +154,15 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     BomLength = options.bomLength;
     WriteMark = BomLength > 0;
 
+    // Past the large-file size the text is kept without colours; past 2 GB the control
+    // needs its large storage.
+    const qint64 fileSize = QFileInfo(path).size();
+    const bool large = LargeFileMode::IsLarge(
+        fileSize, LargeFileMode::ThresholdBytes(EditSetting(QStringLiteral("LargeFileSize"),
+                                                            LargeFileMode::DefaultLargeFileMegabytes)));
+
     // A file that will not fit is not loaded blindly: the hex view maps it instead.
-    if (const qint64 needed = MemoryGuard::EstimateTextLoad(QFileInfo(path).size(), Encoding);
+    if (const qint64 needed = MemoryGuard::EstimateTextLoad(fileSize, Encoding, !large);
         !MemoryGuard::Fits(needed, MemoryGuard::AvailableMemory())) {
         QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
                         tr("This file is too large to open as text"), QMessageBox::Open | QMessageBox::Cancel,
@@ -155,10 +175,22 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
         return false;
     }
 
+    const qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
+    if (const int options = LargeFileMode::DocumentOptions(textBytes, !large); options != 0) {
+        if (!ReplaceControlDocument(textBytes, options)) {
+            ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), tr("Not enough memory")));
+            return false;
+        }
+        editor = GetEditor();
+    }
+    m_plain = large ? PlainReason::LargeFile : PlainReason::None;
+
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     const AnsiCodePage codePage = ConfiguredCodePage();
     const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress,
                                                      &codePage);
+    if (read.cancelled)
+        return false;
     if (!read.ok) {
         ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), read.error));
         return false;
@@ -178,6 +210,22 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     editor->EmptyUndoBuffer();
     editor->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLEENFORCEPOLICY, 0UL);
     editor->GotoLine(0);
+
+    // A line longer than the control lays out quickly is left uncoloured, as large files are.
+    if (!large) {
+        const char* text = reinterpret_cast<const char*>(
+            editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+        if (LargeFileMode::HasLineLongerThan(text, editor->GetLength(),
+                                             EditSetting(QStringLiteral("LongLineLength"),
+                                                         LargeFileMode::DefaultLongLineLength)))
+            m_plain = PlainReason::LongLine;
+    }
+
+    // The control's own change handling counts every character in front of a change:
+    // with megabytes in front, each keystroke would wait for it.
+    m_deferredNotices = ColouringOff() || editor->GetLength() > kDeferredNoticeBytes;
+    for (CMFCScintilla* view : std::as_const(m_editors))
+        view->SetDeferredChangeNotices(m_deferredNotices);
 
     m_diskStamp = FileStamp::Of(path);
     ApplyParserForExtension(ExtensionOf(path));
@@ -413,6 +461,72 @@ bool CScrivelDoc::Reload()
     m_declinedStamp = FileStamp();
     SetModifiedFlag(false);
     return true;
+}
+
+bool CScrivelDoc::ReplaceControlDocument(qint64 bytes, int options)
+{
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return false;
+    // The control reserves nothing up front for `bytes` beyond its first allocation; the
+    // figure only sizes it.
+    void* fresh = reinterpret_cast<void*>(editor->SendScintilla(
+        QsciScintillaBase::SCI_CREATEDOCUMENT, static_cast<unsigned long>(std::max<qint64>(bytes, 0)),
+        static_cast<long>(options)));
+    if (!fresh)
+        return false;
+    void* old = std::exchange(m_sharedDocument, fresh); // the new one's first reference is ours
+    for (CMFCScintilla* view : std::as_const(m_editors))
+        view->SetDocPointer(fresh);
+    if (old)
+        editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
+    return true;
+}
+
+void CScrivelDoc::TurnColouringOn()
+{
+    if (!ColouringOff())
+        return;
+    m_plain = PlainReason::None;
+    CMFCScintilla* editor = GetEditor();
+    if (!editor)
+        return;
+    const long options = editor->SendScintilla(QsciScintillaBase::SCI_GETDOCUMENTOPTIONS);
+    if (!(options & LargeFileMode::StylesNone))
+        return;
+
+    // Move the text into a document with style bytes. The old one stays alive (and its
+    // text in place) until the copy is done.
+    void* old = m_sharedDocument;
+    editor->SendScintilla(QsciScintillaBase::SCI_ADDREFDOCUMENT, 0UL, old);
+    const long length = editor->GetLength();
+    const long caret = editor->GetCurrentPos();
+    const int eol = editor->GetEOLMode();
+    const bool readOnly = editor->GetReadOnly();
+    const bool modified = IsModified();
+    const char* text = reinterpret_cast<const char*>(
+        editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    if (!ReplaceControlDocument(length, LargeFileMode::DocumentOptions(length, true))) {
+        editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
+        m_plain = PlainReason::LargeFile;
+        return;
+    }
+    editor = GetEditor();
+    const long mask = editor->SendScintilla(QsciScintillaBase::SCI_GETMODEVENTMASK);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, 0UL);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 0UL);
+    editor->SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
+    editor->AddText(text, length);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1UL);
+    editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, static_cast<unsigned long>(mask));
+    editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
+    editor->EmptyUndoBuffer();
+    editor->SetEOLMode(eol);
+    if (!modified)
+        editor->SetSavePoint();
+    editor->SetReadOnly(readOnly);
+    editor->GotoPos(caret);
+    SetModifiedFlag(modified);
 }
 
 void CScrivelDoc::CheckDiskChange()

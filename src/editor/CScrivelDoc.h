@@ -62,6 +62,15 @@ public:
     // open. Runs when the program becomes active again; asks once per change.
     void CheckDiskChange();
 
+    // Why colouring and folding are off for this document, if they are: it passed the
+    // large-file size, or a line passed the long-line length.
+    enum class PlainReason { None, LargeFile, LongLine };
+    PlainReason ColouringOffReason() const { return m_plain; }
+    bool ColouringOff() const { return m_plain != PlainReason::None; }
+    // Colours the document again (View As does this). Text kept without style bytes is
+    // moved into storage that has them; undo history and bookmarks do not survive that.
+    void TurnColouringOn();
+
 Q_SIGNALS:
     // The encoding or line-end mode changed (a load, a save, a conversion).
     void formatChanged();
@@ -80,10 +89,14 @@ private:
     // the user agreed to overwrite another program's changes.
     bool MayOverwrite(const QString& path);
     bool Reload();
+    // Gives every view a new, empty control document with these options.
+    bool ReplaceControlDocument(qint64 bytes, int options);
 
     FileStamp m_diskStamp;     // the file as last read or written
     FileStamp m_declinedStamp; // a change the user chose not to reload
     bool m_checkingDisk = false;
     void* m_sharedDocument = nullptr;
     QList<CMFCScintilla*> m_editors;
+    PlainReason m_plain = PlainReason::None;
+    bool m_deferredNotices = false;
 };

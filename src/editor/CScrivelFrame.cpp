@@ -125,7 +125,10 @@ bool CScrivelFrame::OnCmdMsg(int id)
     if (m_view->OnCmdMsg(id))
         return true;
     if (id >= Cmd::ViewAsFirst && id <= Cmd::ViewAsLast) {
+        // Choosing a parser by hand asks for colours, large file or not.
+        GetTextDocument()->TurnColouringOn();
         SelectParser(ViewAsMenu::ParserIndexOfCommand(id));
+        Q_EMIT statusTextChanged(StatusText());
         return true;
     }
     if (id == Cmd::ViewAsMore) {
@@ -133,8 +136,11 @@ bool CScrivelFrame::OnCmdMsg(int id)
         if (!list)
             return true;
         CViewAsManagerDialog dialog(*list, m_parserIndex, this);
-        if (dialog.exec() == QDialog::Accepted)
+        if (dialog.exec() == QDialog::Accepted) {
+            GetTextDocument()->TurnColouringOn();
             SelectParser(dialog.SelectedIndex());
+            Q_EMIT statusTextChanged(StatusText());
+        }
         return true;
     }
     if (id == Cmd::WindowNew) {

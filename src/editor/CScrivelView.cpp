@@ -1,5 +1,8 @@
 #include "CScrivelView.h"
 
+#include <QCursor>
+#include <climits>
+
 #include "CMFCScintilla.h"
 #include "CScrivelDoc.h"
 #include "CScrivelFrame.h"
@@ -183,8 +186,15 @@ void CScrivelView::SetFolding(bool on)
 void CScrivelView::ApplyParser(const CSyntaxParser& parser)
 {
     SyntaxApplier::Apply(*m_editor, parser, Settings());
-    // A new lexer starts without the fold properties.
-    m_editor->SetFolding(Settings().CodeFolding != 0);
+    if (m_document && m_document->ColouringOff()) {
+        // The parser's fonts and colours stay for the day colouring comes back; its
+        // lexer, and the folding that comes from it, go.
+        m_editor->SendScintilla(Sci::SCI_SETLEXER, static_cast<unsigned long>(Sci::SCLEX_NULL));
+        m_editor->SetFolding(false);
+    } else {
+        // A new lexer starts without the fold properties.
+        m_editor->SetFolding(Settings().CodeFolding != 0);
+    }
     // Clearing the styles took the line numbers' colour and font too.
     m_editor->SendScintilla(Sci::SCI_STYLESETFORE, CMFCScintilla::LineNumberStyle,
                             static_cast<long>(ThemeColours::Current().LineNumber()));
@@ -195,7 +205,20 @@ QString CScrivelView::PositionText() const
 {
     const long line = m_editor->GetCurrentLine() + 1;
     const long column = m_editor->GetColumn();
-    return QString::asprintf("Ln %2ld Col %2ld", line, column);
+    QString text = QString::asprintf("Ln %2ld Col %2ld", line, column);
+    if (m_document) {
+        switch (m_document->ColouringOffReason()) {
+        case CScrivelDoc::PlainReason::LargeFile:
+            text += QStringLiteral("   ") + tr("Large file: no colouring or folding");
+            break;
+        case CScrivelDoc::PlainReason::LongLine:
+            text += QStringLiteral("   ") + tr("Long lines: no colouring or folding");
+            break;
+        case CScrivelDoc::PlainReason::None:
+            break;
+        }
+    }
+    return text;
 }
 
 QString CScrivelView::GetSearchSeed()
@@ -296,7 +319,13 @@ void CScrivelView::OnModified(int position, int type, const char* text, int leng
 void CScrivelView::OnMarginClick(int position, int modifiers, int margin)
 {
     Q_UNUSED(modifiers);
-    const long line = m_editor->LineFromPosition(position);
+    // The notification carries 32 bits: past 2 GB the line is found from the mouse.
+    long line = m_editor->LineFromPosition(position);
+    if (m_editor->GetLength() > long(INT_MAX)) {
+        const QPoint at = m_editor->viewport()->mapFromGlobal(QCursor::pos());
+        line = m_editor->LineFromPosition(m_editor->SendScintilla(
+            Sci::SCI_POSITIONFROMPOINT, static_cast<unsigned long>(at.x()), static_cast<long>(at.y())));
+    }
     switch (margin) {
     case 0:
         m_editor->ToggleBookmark(line);

@@ -4,8 +4,15 @@
 #include "editor/CMFCScintilla.h"
 
 #include "ExpressionSearch.h"
+#include "LongOperation.h"
 
+#include <QScopeGuard>
 #include <QSet>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <functional>
 
 namespace {
 
@@ -89,6 +96,11 @@ long CTextSearch::SearchRange(long start, long end, const QByteArray& text)
         return -1;
     const int flags = static_cast<int>(m_editor->SendScintilla(QsciScintillaBase::SCI_GETSEARCHFLAGS));
     if (!(flags & QsciScintillaBase::SCFIND_REGEXP)) {
+        if (start <= end) {
+            const long found = FindPlainForward(start, end, text, flags);
+            if (found != -2)
+                return found;
+        }
         m_editor->SetTargetStart(start);
         m_editor->SetTargetEnd(end);
         const long found = m_editor->SearchInTarget(text);
@@ -108,6 +120,122 @@ long CTextSearch::SearchRange(long start, long end, const QByteArray& text)
     m_editor->SetTargetStart(found);
     m_editor->SetTargetEnd(matchEnd);
     return found;
+}
+
+namespace {
+
+enum class CharClass { Space, Word, Punctuation };
+
+// The control's default classes, by byte: bytes of multi-byte characters count as word.
+CharClass ClassOf(int byte)
+{
+    if (byte >= 0x80 || std::isalnum(byte) || byte == '_')
+        return CharClass::Word;
+    if (byte <= ' ')
+        return CharClass::Space;
+    return CharClass::Punctuation;
+}
+
+unsigned char Fold(unsigned char c)
+{
+    return (c >= 'A' && c <= 'Z') ? static_cast<unsigned char>(c + 32) : c;
+}
+
+struct FoldedHash
+{
+    std::size_t operator()(char c) const { return Fold(static_cast<unsigned char>(c)); }
+};
+struct FoldedEqual
+{
+    bool operator()(char a, char b) const
+    {
+        return Fold(static_cast<unsigned char>(a)) == Fold(static_cast<unsigned char>(b));
+    }
+};
+
+// Searches start with a small window, so that a match near the start (every match of a
+// Replace All) costs little, and grow to large ones for long runs.
+constexpr long kFirstWindow = 64 * 1024;
+constexpr long kLargestWindow = 64L * 1024 * 1024;
+
+} // namespace
+
+bool CTextSearch::IsWordAt(long start, long end) const
+{
+    // As the control judges whole words: a class change at both edges.
+    const long length = m_editor->GetLength();
+    if (start >= length || end <= 0)
+        return false;
+    if (start > 0) {
+        const CharClass here = ClassOf(m_editor->GetCharAt(start));
+        if (here == CharClass::Space || here == ClassOf(m_editor->GetCharAt(start - 1)))
+            return false;
+    }
+    if (end < length) {
+        const CharClass before = ClassOf(m_editor->GetCharAt(end - 1));
+        if (before == CharClass::Space || before == ClassOf(m_editor->GetCharAt(end)))
+            return false;
+    }
+    return true;
+}
+
+long CTextSearch::FindPlainForward(long start, long end, const QByteArray& text, int flags)
+{
+    const bool matchCase = flags & QsciScintillaBase::SCFIND_MATCHCASE;
+    const bool wholeWord = flags & QsciScintillaBase::SCFIND_WHOLEWORD;
+    constexpr int handled = QsciScintillaBase::SCFIND_MATCHCASE | QsciScintillaBase::SCFIND_WHOLEWORD;
+    if (flags & ~handled)
+        return -2;
+    // Folding case byte by byte is right for ASCII only.
+    if (!matchCase && std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; }))
+        return -2;
+
+    const long n = text.size();
+    const std::boyer_moore_horspool_searcher<const char*, FoldedHash, FoldedEqual> folded(
+        text.constData(), text.constData() + n);
+    long window = kFirstWindow;
+    long pos = start;
+    while (end - pos >= n) {
+        const long span = std::min(end - pos, window);
+        // The control moves its gap out of the way only where it lies inside the window.
+        const char* base = reinterpret_cast<const char*>(m_editor->SendScintilla(
+            QsciScintillaBase::SCI_GETRANGEPOINTER, static_cast<unsigned long>(pos), span));
+        if (!base)
+            return -1;
+        const char* const last = base + span;
+        for (const char* at = base;;) {
+            const char* hit;
+            if (matchCase) {
+                hit = static_cast<const char*>(memmem(at, std::size_t(last - at), text.constData(), std::size_t(n)));
+            } else {
+                hit = std::search(at, last, folded);
+                if (hit == last)
+                    hit = nullptr;
+            }
+            if (!hit)
+                break;
+            const long found = pos + long(hit - base);
+            if (!wholeWord || IsWordAt(found, found + n)) {
+                m_editor->SetTargetStart(found);
+                m_editor->SetTargetEnd(found + n);
+                return found;
+            }
+            at = hit + 1;
+        }
+        if (pos + span >= end)
+            break;
+        // The next window overlaps by all but one byte of the text, for a match across.
+        pos += span - (n - 1);
+        window = std::min(window * 2, kLargestWindow);
+        if (!Step(pos))
+            return -1;
+    }
+    return -1;
+}
+
+bool CTextSearch::Step(long done)
+{
+    return !m_operation || m_operation->Step(done - m_operationStart);
 }
 
 long CTextSearch::ReplaceTarget(const QByteArray& replacement, bool useExpressionTags)
@@ -135,10 +263,18 @@ long CTextSearch::FindText(const QString& text, bool searchUp, bool wrapAround)
 {
     const QByteArray bytes = Encode(text);
     const long length = m_editor->GetLength();
+    m_cancelled = false;
+    LongOperation operation(m_progressSink, length, m_quietMs);
+    m_operation = &operation;
+    m_operationStart = 0;
+    const auto done = qScopeGuard([this, &operation] {
+        m_cancelled = operation.Cancelled();
+        m_operation = nullptr;
+    });
     long found = searchUp ? SearchRange(m_editor->GetSelectionStart(), 0, bytes)
                           : SearchRange(m_editor->GetSelectionEnd(), length, bytes);
     if (found == -1) {
-        if (!wrapAround)
+        if (!wrapAround || operation.Cancelled())
             return -1;
         found = searchUp ? SearchRange(length, 0, bytes) : SearchRange(0, length, bytes);
         if (found == -1)
@@ -246,6 +382,10 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
     const long linesBefore = m_editor->GetLineCount();
     m_editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, 0UL);
 
+    m_cancelled = false;
+    LongOperation operation(m_progressSink, rangeEnd - rangeStart, m_quietMs);
+    m_operation = &operation;
+    m_operationStart = rangeStart;
     m_editor->BeginUndoAction();
     long next = pos;
     while (true) {
@@ -267,6 +407,9 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
         ++count;
         if (next >= rangeEnd)
             break;
+        // Cancel keeps what was replaced so far, as one undo step like the rest.
+        if (!Step(next))
+            break;
         const long found = SearchRange(next, rangeEnd, findBytes);
         // A match before `next` cannot come from a forward search; stop rather than loop.
         if (found == -1 || found < next)
@@ -281,6 +424,8 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
     else
         m_editor->SetSel(next, next);
     m_editor->EndUndoAction();
+    m_cancelled = operation.Cancelled();
+    m_operation = nullptr;
 
     m_editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK,
                             static_cast<unsigned long>(eventMask));

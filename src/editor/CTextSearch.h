@@ -7,6 +7,8 @@
 
 class CMFCScintilla;
 class ExpressionSearch;
+class IProgressSink;
+class LongOperation;
 
 // The search routines of a text view, over its control's target search. Find Next, Find
 // Previous, Mark All, Replace and Replace All all pass through here. Made on the stack
@@ -20,6 +22,16 @@ public:
     explicit CTextSearch(CMFCScintilla* editor);
     ~CTextSearch();
     CTextSearch(CTextSearch&&) noexcept;
+
+    // Searches and replacements that run longer than `quietMs` show their progress here,
+    // with Cancel.
+    void SetProgressSink(IProgressSink* sink, int quietMs = 200)
+    {
+        m_progressSink = sink;
+        m_quietMs = quietMs;
+    }
+    // Whether the last operation was cancelled by the user.
+    bool WasCancelled() const { return m_cancelled; }
 
     // Scintilla flags of the three options. Expressions are matched with PCRE2 syntax
     // (groups, alternation, classes, \d \w \s \b, quantifiers), one line at a time.
@@ -69,6 +81,12 @@ private:
     // target holds the match afterwards. Any failure, including an invalid expression,
     // is -1.
     long SearchRange(long start, long end, const QByteArray& text);
+    // A forward search for plain text over the control's memory, many times faster than
+    // the control's own; -2 when the flags or text need the control's search.
+    long FindPlainForward(long start, long end, const QByteArray& text, int flags);
+    bool IsWordAt(long start, long end) const;
+    // Keeps the window alive during a long operation; false once cancelled.
+    bool Step(long done);
     // Replaces the target; with `useExpressionTags`, \0..\9 of the last match expanded.
     // Returns the length of the inserted text.
     long ReplaceTarget(const QByteArray& replacement, bool useExpressionTags);
@@ -80,4 +98,10 @@ private:
     std::unique_ptr<ExpressionSearch> m_expression;
     QByteArray m_expressionText;
     int m_expressionFlags = 0;
+    IProgressSink* m_progressSink = nullptr;
+    int m_quietMs = 200;
+    // The operation under way, while one runs (see Step).
+    LongOperation* m_operation = nullptr;
+    long m_operationStart = 0;
+    bool m_cancelled = false;
 };

@@ -7,7 +7,7 @@
 
 namespace MemoryGuard {
 
-qint64 EstimateTextLoad(qint64 fileSize, int encoding)
+qint64 EstimateTextLoad(qint64 fileSize, int encoding, bool styled)
 {
     qint64 utf8 = fileSize;
     if (encoding == TextEncoding::Utf16LE || encoding == TextEncoding::Utf16BE)
@@ -15,7 +15,7 @@ qint64 EstimateTextLoad(qint64 fileSize, int encoding)
     else if (!TextEncoding::HeldAsUtf8(encoding))
         utf8 = fileSize * 2; // a code page's upper half becomes two bytes
     // Text and styles side by side, plus the line index and the loader's buffers.
-    return utf8 * 2 + utf8 / 8 + (16 << 20);
+    return utf8 * (styled ? 2 : 1) + utf8 / 8 + (16 << 20);
 }
 
 qint64 ParseMemAvailable(const QByteArray& meminfo)

@@ -7,8 +7,9 @@
 namespace MemoryGuard {
 
 // The bytes the control needs for a file of `fileSize` bytes read in `encoding`: its text
-// as UTF-8, a style byte per character and the line index.
-qint64 EstimateTextLoad(qint64 fileSize, int encoding);
+// as UTF-8, a style byte per character unless it is kept without colours, and the line
+// index.
+qint64 EstimateTextLoad(qint64 fileSize, int encoding, bool styled = true);
 // MemAvailable from the text of /proc/meminfo, in bytes; -1 when it is not there.
 qint64 ParseMemAvailable(const QByteArray& meminfo);
 // The memory free for a load; MORVANE_MEMAVAILABLE (bytes) stands in for the machine's

@@ -2,10 +2,19 @@
 
 #include "CMFCScintilla.h"
 #include "EncodingReader.h"
+#include "LongOperation.h"
 #include "TextEncoding.h"
 #include "TextFile.h"
 #include "framework/IStatusSink.h"
 
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -36,12 +45,189 @@ private:
     long m_mask;
 };
 
+// Decoded text handed from the reading thread to the interface thread in steps of a few
+// megabytes; at most a few steps wait, so memory stays close to the text's own size.
+class DecodedSteps
+{
+public:
+    struct Step
+    {
+        std::string text;
+        qint64 fileOffset = 0; // bytes of the file consumed up to the end of this step
+    };
+
+    // The reading thread: false once the reader should stop.
+    bool Push(Step step)
+    {
+        std::unique_lock lock(m_mutex);
+        m_space.wait(lock, [this] { return m_stop || m_steps.size() < kMaxWaiting; });
+        if (m_stop)
+            return false;
+        m_steps.push_back(std::move(step));
+        m_ready.notify_one();
+        return true;
+    }
+    void Finish(const QString& error, std::size_t lost)
+    {
+        std::lock_guard lock(m_mutex);
+        m_error = error;
+        m_lost = lost;
+        m_finished = true;
+        m_ready.notify_one();
+    }
+
+    // The interface thread: waits a moment for the next step; false when none came.
+    bool Take(Step& step, int waitMs)
+    {
+        std::unique_lock lock(m_mutex);
+        m_ready.wait_for(lock, std::chrono::milliseconds(waitMs),
+                         [this] { return !m_steps.empty() || m_finished; });
+        if (m_steps.empty())
+            return false;
+        step = std::move(m_steps.front());
+        m_steps.pop_front();
+        m_space.notify_one();
+        return true;
+    }
+    bool Drained() const
+    {
+        std::lock_guard lock(m_mutex);
+        return m_finished && m_steps.empty();
+    }
+    void Stop()
+    {
+        std::lock_guard lock(m_mutex);
+        m_stop = true;
+        m_steps.clear();
+        m_space.notify_all();
+    }
+    QString Error() const
+    {
+        std::lock_guard lock(m_mutex);
+        return m_error;
+    }
+    std::size_t Lost() const
+    {
+        std::lock_guard lock(m_mutex);
+        return m_lost;
+    }
+
+private:
+    static constexpr std::size_t kMaxWaiting = 3;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_ready;
+    std::condition_variable m_space;
+    std::deque<Step> m_steps;
+    bool m_finished = false;
+    bool m_stop = false;
+    QString m_error;
+    std::size_t m_lost = 0;
+};
+
+// The control is fed in steps this large: few calls, each short enough to keep the
+// interface answering between them.
+constexpr std::size_t kStep = 16 * 1024 * 1024;
+
+void ReadAndDecode(const QString& path, int encoding, int bomLength, const AnsiCodePage* codePage,
+                   DecodedSteps& steps)
+{
+    TextFile file;
+    if (!file.OpenRead(path)) {
+        steps.Finish(file.ErrorString(), 0);
+        return;
+    }
+    EncodingReader reader(encoding, bomLength, codePage);
+    std::vector<char> buffer(static_cast<std::size_t>(kWindow) + 1);
+    DecodedSteps::Step step;
+    step.text.reserve(kStep + kWindow);
+    qint64 done = 0;
+    for (;;) {
+        const qint64 n = file.ReadChunk(buffer.data(), kWindow);
+        if (n <= 0)
+            break;
+        step.text.append(reader.Feed(buffer.data(), static_cast<std::size_t>(n)));
+        done += n;
+        if (step.text.size() >= kStep) {
+            step.fileOffset = done;
+            if (!steps.Push(std::move(step)))
+                return;
+            step = DecodedSteps::Step();
+            step.text.reserve(kStep + kWindow);
+        }
+    }
+    step.text.append(reader.Finish());
+    step.fileOffset = done;
+    if (!step.text.empty() && !steps.Push(std::move(step)))
+        return;
+    const QString error = file.ErrorString();
+    steps.Finish(error.isEmpty() || done >= file.Size() ? QString() : error, reader.LostBytes());
+}
+
 } // namespace
+
+TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString& path, int encoding,
+                                           int bomLength, IProgressSink& progress,
+                                           const AnsiCodePage* codePage)
+{
+    Result result;
+    {
+        // A file that cannot be read is told at once, before anything is cleared.
+        TextFile probe;
+        if (!probe.OpenRead(path)) {
+            result.error = probe.ErrorString();
+            return result;
+        }
+    }
+    const qint64 size = QFileInfo(path).size();
+    const bool wasReadOnly = editor.GetReadOnly();
+    editor.SetReadOnly(false);
+    {
+        LongOperation operation(&progress, size, 0);
+        QuietLoad quiet(editor);
+        editor.SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
+        editor.Allocate(static_cast<long>(size + 1000));
+        editor.ClearAll();
+
+        DecodedSteps steps;
+        std::thread reader(ReadAndDecode, path, encoding, bomLength, codePage, std::ref(steps));
+        DecodedSteps::Step step;
+        while (!steps.Drained()) {
+            if (steps.Take(step, 20)) {
+                editor.AddText(step.text.data(), static_cast<long>(step.text.size()));
+                result.bytesRead = step.fileOffset;
+                std::string().swap(step.text);
+            }
+            if (!operation.Step(result.bytesRead)) {
+                result.cancelled = true;
+                steps.Stop();
+                break;
+            }
+        }
+        reader.join();
+        if (!result.cancelled) {
+            progress.SetProgress(result.bytesRead);
+            result.error = steps.Error();
+            result.lostBytes = steps.Lost();
+        }
+    }
+    if (result.cancelled) {
+        // Nothing of a cancelled load stays behind.
+        editor.ClearAll();
+    }
+    editor.EmptyUndoBuffer();
+    editor.SetSavePoint();
+    editor.SetReadOnly(wasReadOnly);
+    result.ok = result.error.isEmpty() && !result.cancelled;
+    return result;
+}
 
 TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, int encoding,
                                     int bomLength, IProgressSink* progress,
                                     const AnsiCodePage* codePage)
 {
+    // Small files are read at once: a thread would only cost time.
+    if (progress && QFileInfo(path).size() > 4 * kWindow)
+        return LoadInSteps(editor, path, encoding, bomLength, *progress, codePage);
     Result result;
     TextFile file;
     if (!file.OpenRead(path)) {

@@ -10,4 +10,8 @@ public:
     virtual void StartProgress(qint64 range) = 0;
     virtual void SetProgress(qint64 done) = 0;
     virtual void StopProgress() = 0;
+    // Offers a Cancel beside the progress until StopProgress; a sink without one never
+    // reports a cancel.
+    virtual void OfferCancel() {}
+    virtual bool CancelRequested() const { return false; }
 };

@@ -220,9 +220,11 @@ void CSearchCommands::OnFindNextFromBox(bool previous)
         return;
     m_lastSearchText = text;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(0);
     // Forward wraps, backward stops at the top.
-    if (search.FindText(text, previous, !previous) == -1)
+    if (search.FindText(text, previous, !previous) == -1 && !search.WasCancelled())
         Information(tr("The search text was not found"));
 }
 
@@ -234,8 +236,10 @@ void CSearchCommands::FindInActiveView(const QString& text, bool matchCase, bool
     if (!editor)
         return;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(matchCase, matchWord, regExp);
-    if (search.FindText(text, searchUp, wrapAround) == -1)
+    if (search.FindText(text, searchUp, wrapAround) == -1 && !search.WasCancelled())
         Information(tr("The search text was not found"));
     RefreshFindBox();
 }
@@ -248,6 +252,8 @@ void CSearchCommands::MarkAllInActiveView(const QString& text, bool matchCase, b
     if (!editor)
         return;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(matchCase, matchWord, regExp);
     if (!search.MarkAll(text))
         Information(tr("The search text was not found"));
@@ -267,6 +273,8 @@ long CSearchCommands::ReplaceInActiveView(const QString& find, const QString& re
     if (!editor)
         return -1;
     CTextSearch search(editor);
+    if (m_shell)
+        search.SetProgressSink(&m_shell->Progress());
     search.SetSearchFlags(matchCase, matchWord, regExp);
     long result = -1;
     if (replaceAll) {
@@ -279,7 +287,7 @@ long CSearchCommands::ReplaceInActiveView(const QString& find, const QString& re
             Information(tr("Search text not found."));
     } else {
         result = search.ReplaceNext(find, replace, regExp, lastFound);
-        if (result == -1)
+        if (result == -1 && !search.WasCancelled())
             Information(tr("The search text was not found"));
     }
     RefreshFindBox();

@@ -21,10 +21,11 @@ TEST(GotoDialog, OffersTheRangeTakesDigitsOnlyAndAnEmptyBoxCannotBeConfirmed)
     EXPECT_EQ(fresh.TargetLine(), 0);
 
     // `target` is the control's line, counted from 0, in a 40-line text.
-    const struct { const char* typed; const char* shown; int line; long target; bool ok; } cases[] = {
+    const struct { const char* typed; const char* shown; long line; long target; bool ok; } cases[] = {
         {"", "", 0, 0, false},      {"2", "2", 2, 1, true},     {"a1b2", "12", 12, 11, true},
         {"-5", "5", 5, 4, true},    {"0", "0", 0, 0, true},     {"40", "40", 40, 39, true},
-        {"99999999999999999999", "99999999999999999999", INT_MAX, INT_MAX - 1L, true},
+        {"3000000000", "3000000000", 3000000000L, 2999999999L, true},
+        {"99999999999999999999", "99999999999999999999", LONG_MAX, LONG_MAX - 1L, true},
     };
     for (const auto& c : cases) {
         CGotoDialog dialog(nullptr, 40);

@@ -12,6 +12,7 @@ struct FitCase
     int encoding;
     qint64 available;
     bool fits;
+    bool styled = true;
 };
 
 class MemoryGuardFits : public ::testing::TestWithParam<FitCase>
@@ -21,7 +22,7 @@ class MemoryGuardFits : public ::testing::TestWithParam<FitCase>
 TEST_P(MemoryGuardFits, ComparesTheEstimateWithWhatIsFree)
 {
     const FitCase& c = GetParam();
-    EXPECT_EQ(MemoryGuard::Fits(MemoryGuard::EstimateTextLoad(c.fileSize, c.encoding), c.available), c.fits);
+    EXPECT_EQ(MemoryGuard::Fits(MemoryGuard::EstimateTextLoad(c.fileSize, c.encoding, c.styled), c.available), c.fits);
 }
 
 constexpr qint64 MB = 1 << 20;
@@ -32,6 +33,8 @@ INSTANTIATE_TEST_SUITE_P(
                       FitCase{"Utf8WithRoom", 1000 * MB, TextEncoding::Utf8, 2500 * MB, true},
                       // UTF-16 grows by half on its way to UTF-8.
                       FitCase{"Utf16GrowsOnTheWayIn", 1000 * MB, TextEncoding::Utf16LE, 2500 * MB, false},
+                      // Large-file mode keeps no style bytes.
+                      FitCase{"UnstyledNeedsLittleMoreThanTheFile", 1000 * MB, TextEncoding::Utf8, 1300 * MB, true, false},
                       FitCase{"UnknownFigureNeverStops", 100000 * MB, TextEncoding::Utf8, -1, true},
                       FitCase{"EmptyFileOnATinyMachine", 0, TextEncoding::Utf8, 1, false}),
     [](const auto& info) { return std::string(info.param.name); });

@@ -1,0 +1,68 @@
+#include "LargeFileMode.h"
+
+#include "TextEncoding.h"
+
+#include <limits>
+
+namespace LargeFileMode {
+
+qint64 ThresholdBytes(qint64 megabytes)
+{
+    if (megabytes <= 0)
+        return 0;
+    // A silly figure must not overflow into a small one.
+    constexpr qint64 maximum = std::numeric_limits<qint64>::max() >> 20;
+    return megabytes >= maximum ? std::numeric_limits<qint64>::max() : megabytes << 20;
+}
+
+bool IsLarge(qint64 fileSize, qint64 thresholdBytes)
+{
+    return thresholdBytes > 0 && fileSize > thresholdBytes;
+}
+
+qint64 MaxTextBytes(qint64 fileSize, int encoding)
+{
+    switch (encoding) {
+    case TextEncoding::Utf8:
+    case TextEncoding::Auto:
+    case TextEncoding::Utf32LE:
+    case TextEncoding::Utf32BE:
+        return fileSize;
+    case TextEncoding::Utf16LE:
+    case TextEncoding::Utf16BE:
+        return fileSize / 2 * 3 + 3;
+    default:
+        // A code page's byte, or a compressed form's, may stand for up to three bytes.
+        return fileSize * 3;
+    }
+}
+
+int DocumentOptions(qint64 textBytes, bool coloured)
+{
+    int options = 0;
+    // Room for what is typed after the load: a file just below 2 GB grows past it.
+    constexpr qint64 smallLimit = std::numeric_limits<qint32>::max() - (64 << 20);
+    if (textBytes > smallLimit)
+        options |= TextLarge;
+    if (!coloured)
+        options |= StylesNone;
+    return options;
+}
+
+bool HasLineLongerThan(const char* text, qint64 length, qint64 limit)
+{
+    if (limit <= 0 || length <= limit)
+        return false;
+    qint64 run = 0;
+    for (qint64 i = 0; i < length; ++i) {
+        const char c = text[i];
+        if (c == '\n' || c == '\r') {
+            run = 0;
+        } else if (++run > limit) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace LargeFileMode

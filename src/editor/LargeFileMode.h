@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QtGlobal>
+
+// When a document is too big, or has lines too long, to colour and fold: the control
+// then spends its time on the text alone. Also which storage the control's document
+// needs for text of a given size.
+namespace LargeFileMode {
+
+// Defaults of the settings EditSettings/LargeFileSize (in megabytes) and
+// EditSettings/LongLineLength (in bytes).
+constexpr qint64 DefaultLargeFileMegabytes = 64;
+constexpr qint64 DefaultLongLineLength = 100000;
+
+// The control's document options (SC_DOCUMENTOPTION_ bits).
+constexpr int StylesNone = 0x0001;
+constexpr int TextLarge = 0x0100;
+
+// Megabytes as set, in bytes; zero or less means "never large".
+qint64 ThresholdBytes(qint64 megabytes);
+// A file of `fileSize` bytes is opened in large-file mode.
+bool IsLarge(qint64 fileSize, qint64 thresholdBytes);
+// The most bytes of UTF-8 that `fileSize` bytes in `encoding` (a TextEncoding code) can
+// become.
+qint64 MaxTextBytes(qint64 fileSize, int encoding);
+// The options of a document that is to hold `textBytes` bytes of text: large text
+// storage when its positions would pass 31 bits, no style bytes when it is not coloured.
+int DocumentOptions(qint64 textBytes, bool coloured);
+// Whether any line of the text is longer than `limit` bytes (line ends not counted).
+// A limit of zero or less never finds one.
+bool HasLineLongerThan(const char* text, qint64 length, qint64 limit);
+
+} // namespace LargeFileMode

@@ -1,0 +1,283 @@
+#include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
+#include "editor/CScrivelFrame.h"
+#include "editor/CScrivelView.h"
+#include "editor/LargeFileMode.h"
+#include "editor/TextEncoding.h"
+#include "framework/CDocTemplate.h"
+#include "framework/CommandIds.h"
+#include "framework/IStatusSink.h"
+#include "framework/OpenOptions.h"
+#include "settings/AppPaths.h"
+#include "settings/CRegistryStore.h"
+#include "syntax/CSyntaxParserList.h"
+#include "TestSupport.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace {
+
+const CSyntaxParserList& Parsers()
+{
+    static CSyntaxParserList list = [] {
+        CSyntaxParserList loaded(QDir(AppPaths::ShippedDataFolder()).filePath(QStringLiteral("syntax")));
+        loaded.Load();
+        return loaded;
+    }();
+    return list;
+}
+
+// The status bar's progress, with a Cancel pressed once the load has passed `cancelAt`.
+class FakeProgress : public IProgressSink
+{
+public:
+    void StartProgress(qint64 range) override { range_ = range; }
+    void SetProgress(qint64 done) override { steps.append(done); }
+    void StopProgress() override { stopped = true; }
+    void OfferCancel() override { offered = true; }
+    bool CancelRequested() const override { return cancelAt >= 0 && !steps.isEmpty() && steps.last() >= cancelAt; }
+
+    qint64 range_ = 0;
+    qint64 cancelAt = -1;
+    QList<qint64> steps;
+    bool offered = false;
+    bool stopped = false;
+};
+
+class LargeFileTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        TestSupport::ClearSettings();
+        m_dir = TestSupport::MakeTempDir();
+        m_template = std::make_unique<CDocTemplate>(
+            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
+            [](CDocument* d) {
+                auto* frame = new CScrivelFrame(static_cast<CScrivelDoc*>(d));
+                frame->SetParserList(&Parsers());
+                return frame;
+            });
+        m_template->SetOpenOptions(&m_options);
+        m_template->SetProgressSink(&m_progress);
+    }
+    void TearDown() override
+    {
+        for (CDocument* document : m_template->GetDocuments()) {
+            document->SetModifiedFlag(false);
+            const auto frames = document->GetFrames();
+            for (CChildFrame* frame : frames)
+                delete frame;
+            delete document;
+        }
+    }
+
+    static void SetEdit(const char* name, qint64 value)
+    {
+        CRegistryStore().WriteProfileString(QStringLiteral("EditSettings"), QString::fromLatin1(name),
+                                            QString::number(value));
+    }
+    QString Write(const QString& name, const QByteArray& bytes)
+    {
+        const QString path = QDir(m_dir).filePath(name);
+        TestSupport::WriteFile(path, bytes);
+        return path;
+    }
+    CScrivelDoc* Open(const QString& path, int encoding = TextEncoding::Utf8, int bomLength = 0)
+    {
+        m_options = OpenOptions();
+        m_options.encoding = encoding;
+        m_options.bomLength = bomLength;
+        return static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(path, false));
+    }
+    static CScrivelFrame* Frame(CScrivelDoc* document)
+    {
+        return static_cast<CScrivelFrame*>(document->GetFrames().first());
+    }
+    static long DocumentOptions(CScrivelDoc* document)
+    {
+        return document->GetEditor()->SendScintilla(QsciScintillaBase::SCI_GETDOCUMENTOPTIONS);
+    }
+
+    QString m_dir;
+    OpenOptions m_options;
+    FakeProgress m_progress;
+    std::unique_ptr<CDocTemplate> m_template;
+};
+
+QByteArray CppLines(int lines)
+{
+    QByteArray text;
+    for (int i = 0; i < lines; ++i)
+        text += "int value" + QByteArray::number(i) + " = " + QByteArray::number(i) + "; // note\n";
+    return text;
+}
+
+// Which documents lose colouring, by size against the threshold and by their longest line.
+TEST_F(LargeFileTest, ColouringOffBySizeAndLineLength)
+{
+    const struct {
+        const char* name;
+        qint64 thresholdMb;
+        qint64 longLine;
+        QByteArray text;
+        CScrivelDoc::PlainReason reason;
+        bool stylesKept;
+    } cases[] = {
+        {"small.cpp", 1, 0, CppLines(100), CScrivelDoc::PlainReason::None, true},
+        {"large.cpp", 1, 0, CppLines(40000), CScrivelDoc::PlainReason::LargeFile, false},
+        {"never.cpp", 0, 0, CppLines(40000), CScrivelDoc::PlainReason::None, true},
+        {"long.cpp", 64, 5000, "int x;\n" + QByteArray(5001, 'a') + "\n", CScrivelDoc::PlainReason::LongLine, true},
+        {"justshort.cpp", 64, 5000, QByteArray(5000, 'a') + "\r\n" + QByteArray(5000, 'b'), CScrivelDoc::PlainReason::None, true},
+    };
+    for (const auto& c : cases) {
+        SetEdit("LargeFileSize", c.thresholdMb);
+        SetEdit("LongLineLength", c.longLine > 0 ? c.longLine : LargeFileMode::DefaultLongLineLength);
+        CScrivelDoc* document = Open(Write(QString::fromLatin1(c.name), c.text));
+        ASSERT_NE(document, nullptr) << c.name;
+        CMFCScintilla* editor = document->GetEditor();
+        EXPECT_EQ(editor->GetText(), c.text) << c.name;
+        EXPECT_EQ(document->ColouringOffReason(), c.reason) << c.name;
+        EXPECT_EQ((DocumentOptions(document) & LargeFileMode::StylesNone) == 0, c.stylesKept) << c.name;
+        const bool plain = c.reason != CScrivelDoc::PlainReason::None;
+        // The C++ parser was chosen either way; only its lexer is dropped.
+        EXPECT_GE(Frame(document)->GetParserIndex(), 0) << c.name;
+        EXPECT_EQ(editor->GetLexer() == QsciScintillaBase::SCLEX_NULL, plain) << c.name;
+        EXPECT_EQ(Frame(document)->StatusText().contains(QStringLiteral("no colouring")), plain) << c.name;
+    }
+}
+
+// View As brings colouring back, moving the text into storage with styles, and keeps the
+// modified text and its state.
+TEST_F(LargeFileTest, ViewAsTurnsColouringBackOn)
+{
+    SetEdit("LargeFileSize", 1);
+    const QByteArray text = CppLines(40000);
+    CScrivelDoc* document = Open(Write(QStringLiteral("big.cpp"), text));
+    ASSERT_NE(document, nullptr);
+    ASSERT_TRUE(document->ColouringOff());
+    CMFCScintilla* editor = document->GetEditor();
+    editor->GotoPos(editor->GetLength());
+    editor->AddText("// end\n", 7);
+    document->SetModifiedFlag(true);
+
+    const int index = Frame(document)->GetParserIndex();
+    ASSERT_TRUE(Frame(document)->OnCmdMsg(Cmd::ViewAsFirst + index));
+    editor = document->GetEditor();
+    EXPECT_FALSE(document->ColouringOff());
+    EXPECT_EQ(DocumentOptions(document) & LargeFileMode::StylesNone, 0);
+    EXPECT_NE(editor->GetLexer(), QsciScintillaBase::SCLEX_NULL);
+    EXPECT_EQ(editor->GetText(), text + "// end\n");
+    EXPECT_EQ(editor->GetCurrentPos(), editor->GetLength());
+    EXPECT_TRUE(document->IsModified());
+    EXPECT_FALSE(Frame(document)->StatusText().contains(QStringLiteral("no colouring")));
+    // The coloured text really is styled now.
+    editor->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0UL, 200L);
+    EXPECT_NE(editor->GetStyleAt(0), editor->GetStyleAt(4));
+}
+
+// A large document's changes reach listeners (the view, recovery) once the event loop
+// comes round: one insert notice with the lines added, never one per keystroke inside
+// the control's own handling.
+TEST_F(LargeFileTest, LargeDocumentAnnouncesChangesOncePerTurn)
+{
+    SetEdit("LargeFileSize", 1);
+    CScrivelDoc* document = Open(Write(QStringLiteral("big.cpp"), CppLines(40000)));
+    ASSERT_NE(document, nullptr);
+    CMFCScintilla* editor = document->GetEditor();
+    ASSERT_TRUE(editor->DeferredChangeNotices());
+    QSignalSpy spy(editor, &QsciScintillaBase::SCN_MODIFIED);
+    const auto inserts = [&spy] {
+        QList<int> lines;
+        for (const QList<QVariant>& notice : spy) {
+            if (notice.at(1).toInt() & QsciScintillaBase::SC_MOD_INSERTTEXT)
+                lines.append(notice.at(4).toInt());
+        }
+        return lines;
+    };
+    editor->GotoPos(editor->GetLength());
+    editor->AddText("a\nb\n", 4);
+    editor->AddText("c", 1);
+    EXPECT_TRUE(inserts().isEmpty());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(inserts(), QList<int>{2});
+    EXPECT_TRUE(document->IsModified());
+    ASSERT_TRUE(document->DoSave(document->GetPathName()));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_FALSE(document->GetTitle().endsWith(QLatin1Char('*')));
+
+    // A small document keeps the control's own notices.
+    SetEdit("LargeFileSize", 64);
+    EXPECT_FALSE(Open(Write(QStringLiteral("small.cpp"), CppLines(10)))->GetEditor()->DeferredChangeNotices());
+}
+
+// A load in steps gives the same text as the file, UTF-16 split across steps included,
+// and reports its progress; Cancel leaves no document behind.
+TEST_F(LargeFileTest, LoadInStepsAndCancel)
+{
+    QByteArray utf8;
+    for (int i = 0; utf8.size() < 20 * 1024 * 1024; ++i)
+        utf8 += "line " + QByteArray::number(i) + " \xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80 text\n";
+    const QString utf8Path = Write(QStringLiteral("steps.txt"), utf8);
+    CScrivelDoc* document = Open(utf8Path);
+    ASSERT_NE(document, nullptr);
+    EXPECT_TRUE(m_progress.offered);
+    EXPECT_TRUE(m_progress.stopped);
+    ASSERT_FALSE(m_progress.steps.isEmpty());
+    EXPECT_EQ(m_progress.steps.last(), utf8.size());
+    EXPECT_EQ(document->GetEditor()->GetText(), utf8);
+    EXPECT_FALSE(document->IsModified());
+    EXPECT_FALSE(document->GetEditor()->CanUndo());
+
+    const QString utf16 = QString::fromUtf8(utf8);
+    QByteArray le(reinterpret_cast<const char*>(utf16.utf16()), utf16.size() * 2);
+    document = Open(Write(QStringLiteral("steps16.txt"), "\xFF\xFE" + le), TextEncoding::Utf16LE, 2);
+    ASSERT_NE(document, nullptr);
+    EXPECT_EQ(document->GetEditor()->GetText(), utf8);
+
+    const int before = int(m_template->GetDocuments().size());
+    m_progress = FakeProgress();
+    m_progress.cancelAt = 1;
+    EXPECT_EQ(Open(utf8Path), nullptr);
+    EXPECT_TRUE(m_progress.stopped);
+    EXPECT_EQ(m_template->GetDocuments().size(), before);
+}
+
+// Edge cases of the pure rules behind the mode.
+TEST(LargeFileModeRules, ThresholdsOptionsAndLines)
+{
+    EXPECT_EQ(LargeFileMode::ThresholdBytes(0), 0);
+    EXPECT_EQ(LargeFileMode::ThresholdBytes(-3), 0);
+    EXPECT_EQ(LargeFileMode::ThresholdBytes(64), 64LL << 20);
+    EXPECT_GT(LargeFileMode::ThresholdBytes(LLONG_MAX / 2), 0); // no overflow to a small figure
+    EXPECT_FALSE(LargeFileMode::IsLarge(1LL << 40, 0));
+    EXPECT_FALSE(LargeFileMode::IsLarge(64LL << 20, 64LL << 20));
+    EXPECT_TRUE(LargeFileMode::IsLarge((64LL << 20) + 1, 64LL << 20));
+
+    EXPECT_EQ(LargeFileMode::DocumentOptions(1000, true), 0);
+    EXPECT_EQ(LargeFileMode::DocumentOptions(1000, false), LargeFileMode::StylesNone);
+    EXPECT_EQ(LargeFileMode::DocumentOptions(3LL << 30, false), LargeFileMode::StylesNone | LargeFileMode::TextLarge);
+    // Just under 2 GB still needs room to grow.
+    EXPECT_EQ(LargeFileMode::DocumentOptions(INT_MAX - 1000, true), LargeFileMode::TextLarge);
+    EXPECT_GE(LargeFileMode::MaxTextBytes(1000, TextEncoding::Utf16LE), 1500);
+    EXPECT_GE(LargeFileMode::MaxTextBytes(1000, TextEncoding::Ansi), 3000);
+
+    const struct { QByteArray text; qint64 limit; bool longer; } lines[] = {
+        {QByteArray(10, 'a'), 10, false},
+        {QByteArray(11, 'a'), 10, true},
+        {"abc\n" + QByteArray(10, 'a') + "\r\nabc", 10, false},
+        {"abc\r" + QByteArray(11, 'a'), 10, true},
+        {QByteArray(5, 'a') + "\r\n" + QByteArray(5, 'a'), 9, false},
+        {QByteArray(100, 'a'), 0, false},
+    };
+    for (const auto& l : lines)
+        EXPECT_EQ(LargeFileMode::HasLineLongerThan(l.text.constData(), l.text.size(), l.limit), l.longer)
+            << l.text.left(20).constData() << " limit " << l.limit;
+}
+
+} // namespace
