@@ -231,7 +231,7 @@ void InstallModernEditing(IShell& shell)
         if (QsciScintillaBase* control = editing->Control())
             MultiCaret::SelectNextOccurrence(*control);
     });
-    addSelect(Cmd::EditSelectAllOccurrences, "Select All &Occurrences", "Ctrl+Alt+Shift+D",
+    addSelect(Cmd::EditSelectAllOccurrences, "Select &All Occurrences", "Ctrl+Alt+Shift+D",
               [editing] { editing->SelectAllOccurrences(); });
 
     commands.Register({.id = Cmd::EditCompleteWord, .text = Tr("Complete &Word"), .category = category,
@@ -248,11 +248,11 @@ void InstallModernEditing(IShell& shell)
                            }});
         menus.AddCommand(menu, group, id);
     };
-    addToggle(Cmd::EditAutoIndentBrace, "Indent After Opening &Brace", MenuId::EditFormat, MenuGroup::FormatSpaces,
+    addToggle(Cmd::EditAutoIndentBrace, "&Indent After Opening Brace", MenuId::EditFormat, MenuGroup::FormatSpaces,
               &CModernEditing::BraceIndentOn);
     addToggle(Cmd::EditAutoComplete, "Complete Words &Automatically", MenuId::EditFormat, MenuGroup::FormatSpaces,
               &CModernEditing::AutoCompleteOn);
-    commands.Register({.id = Cmd::ViewHighlightOccurrences, .text = Tr("Highlight Occurrence&s"),
+    commands.Register({.id = Cmd::ViewHighlightOccurrences, .text = Tr("Highlight Occurrences"),
                        .category = Tr("View"), .checkable = true,
                        .run = [editing] { editing->SetHighlight(!editing->HighlightOn()); },
                        .update = [editing](CCmdUI& ui) {

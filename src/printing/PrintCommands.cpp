@@ -241,6 +241,6 @@ void InstallPrinting(IShell& shell)
     add(Cmd::FilePrintPreview, "P&rint Preview", {}, "document-print-preview", [commands] { commands->OnPrintPreview(); }, true);
     add(Cmd::FilePrint, "&Print...", QKeySequence::Print, "document-print", [commands] { commands->OnFilePrint(false); }, true);
     add(Cmd::FilePrintDirect, "Print &Direct", {}, "document-print", [commands] { commands->OnFilePrint(true); }, true);
-    add(Cmd::FileExportPdf, "Expor&t as PDF...", {}, "application-pdf", [commands] { commands->OnExportPdf(); }, true);
+    add(Cmd::FileExportPdf, "&Export as PDF...", {}, "application-pdf", [commands] { commands->OnExportPdf(); }, true);
     shell.Menus().AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::Print, Cmd::FilePrint);
 }

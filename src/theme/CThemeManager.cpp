@@ -160,7 +160,7 @@ void InstallTheme(IShell& shell)
     const Command commands[] = {
         {Cmd::ViewThemeLight, QT_TRANSLATE_NOOP("Theme", "&Light"), CThemeManager::Light},
         {Cmd::ViewThemeDark, QT_TRANSLATE_NOOP("Theme", "&Dark"), CThemeManager::Dark},
-        {Cmd::ViewThemeDesktop, QT_TRANSLATE_NOOP("Theme", "Follow the &Desktop"), CThemeManager::Desktop},
+        {Cmd::ViewThemeDesktop, QT_TRANSLATE_NOOP("Theme", "&Follow the Desktop"), CThemeManager::Desktop},
     };
     // One of the three is always chosen: they show as radio items.
     auto* group = new QActionGroup(manager);

@@ -78,7 +78,7 @@ TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar
             texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
     }
     EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "W&hitespace", "Line &Endings", "&Caret Line",
-                                  "Line &Numbers", "Code Foldin&g", "&Block Select", "&Match Bracket", "Highlight Occurrence&s", "-",
+                                  "Line &Numbers", "Code Foldin&g", "&Block Select", "&Match Bracket", "Highlight Occurrences", "-",
                                   "Zoom &In", "Zoom &Out", "Reset &Zoom", "-", "&Font...", "&Theme", "-",
                                   "O&utput Bar", "File Explorer", "Project Explorer", "Code Library", "List Explorer", "E&xplorer Bar", "-", "Next &Difference", "Pre&vious Difference",
                                   "Copy to &Left", "Cop&y to Right", "Swa&p Sides", "&Recompare",
