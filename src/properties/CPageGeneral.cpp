@@ -39,7 +39,7 @@ CPageGeneral::CPageGeneral(IShell& shell, QWidget* parent)
 
     auto* tabs = new QGroupBox(tr("Tabs"), this);
     auto* tabRow = new QHBoxLayout(tabs);
-    m_tabAsSpaces = AddCheck(tr("Insert &spaces for tabs"));
+    m_tabAsSpaces = AddCheck(tr("Insert s&paces for tabs"));
     m_tabGuides = AddCheck(tr("Indentation &guides"));
     m_tabWidth = new QSpinBox(tabs);
     m_tabWidth->setRange(1, 16);
@@ -48,7 +48,7 @@ CPageGeneral::CPageGeneral(IShell& shell, QWidget* parent)
     tabRow->addWidget(m_tabAsSpaces);
     tabRow->addWidget(m_tabGuides);
     tabRow->addStretch();
-    auto* tabWidthLabel = new QLabel(tr("Tab &width:"), tabs);
+    auto* tabWidthLabel = new QLabel(tr("&Tab width:"), tabs);
     tabWidthLabel->setBuddy(m_tabWidth);
     tabRow->addWidget(tabWidthLabel);
     tabRow->addWidget(m_tabWidth);

@@ -64,7 +64,7 @@ QWidget* CCustomiseSheet::MakeCreatePage()
     auto* page = new QWidget(this);
     m_toolBarList = new QListWidget(page);
     auto* create = new QPushButton(tr("&New..."), page);
-    auto* rename = new QPushButton(tr("Re&name..."), page);
+    auto* rename = new QPushButton(tr("Rena&me..."), page);
     auto* remove = new QPushButton(tr("&Delete"), page);
     auto* reset = new QPushButton(tr("&Reset"), page);
     auto* resetAll = new QPushButton(tr("Reset &All"), page);

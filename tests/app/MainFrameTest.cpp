@@ -1,4 +1,5 @@
 #include "MainFrameFixture.h"
+#include "MnemonicCheck.h"
 
 #include "properties/CPageGeneral.h"
 #include "shell/CMenuPlaces.h"
@@ -352,21 +353,6 @@ TEST_F(MainFrameTest, NoTwoCommandsShareAKey)
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+F4")), QStringLiteral("&Close"));
 }
 
-// The letter after a lone "&", lower case; a null character when there is none.
-QChar Mnemonic(const QString& text)
-{
-    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-        if (text.at(i) != QLatin1Char('&'))
-            continue;
-        if (text.at(i + 1) == QLatin1Char('&')) {
-            ++i;
-            continue;
-        }
-        return text.at(i + 1).toLower();
-    }
-    return {};
-}
-
 // Each menu's items, and the menu bar's titles, use a mnemonic letter once.
 void CollectMnemonicClashes(const QString& where, const QList<QAction*>& actions, QStringList& clashes)
 {
@@ -374,7 +360,7 @@ void CollectMnemonicClashes(const QString& where, const QList<QAction*>& actions
     for (QAction* action : actions) {
         if (action->isSeparator() || !action->isVisible())
             continue;
-        const QChar key = Mnemonic(action->text());
+        const QChar key = MnemonicCheck::Mnemonic(action->text());
         if (!key.isNull() && !key.isSpace()) {
             if (seen.contains(key))
                 clashes << QStringLiteral("%1: '%2' in \"%3\" and \"%4\"").arg(where, key, seen.value(key), action->text());

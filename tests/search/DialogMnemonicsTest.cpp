@@ -1,3 +1,4 @@
+#include "MnemonicCheck.h"
 #include "TestSupport.h"
 
 #include "editor/CFileDialogEx.h"
@@ -7,64 +8,13 @@
 #include "search/CReplaceDialog.h"
 #include "search/CSearchCommands.h"
 
-#include <QAbstractButton>
 #include <QDialog>
-#include <QGroupBox>
-#include <QLabel>
-#include <QMap>
-#include <QWidget>
 
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
 namespace {
-
-// The letter after a lone "&", lower case; a null character when there is none.
-QChar Mnemonic(const QString& text)
-{
-    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-        if (text.at(i) != QLatin1Char('&'))
-            continue;
-        if (text.at(i + 1) == QLatin1Char('&')) {
-            ++i;
-            continue;
-        }
-        return text.at(i + 1).toLower();
-    }
-    return {};
-}
-
-// Every mnemonic of a dialog's own controls is used once, and every label that shows
-// one leads somewhere (a label without a buddy would print the ampersand).
-QStringList MnemonicProblems(QWidget& dialog)
-{
-    QStringList problems;
-    QMap<QChar, QString> seen;
-    auto take = [&](const QString& text) {
-        const QChar key = Mnemonic(text);
-        if (key.isNull())
-            return;
-        if (seen.contains(key))
-            problems << QStringLiteral("'%1' in \"%2\" and \"%3\"").arg(key).arg(seen.value(key), text);
-        seen.insert(key, text);
-    };
-    for (QLabel* label : dialog.findChildren<QLabel*>()) {
-        if (Mnemonic(label->text()).isNull())
-            continue;
-        if (!label->buddy())
-            problems << QStringLiteral("\"%1\" shows its ampersand").arg(label->text());
-        take(label->text());
-    }
-    for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>()) {
-        // The file dialog's own tool buttons carry no text.
-        if (button->isVisibleTo(&dialog))
-            take(button->text());
-    }
-    for (QGroupBox* group : dialog.findChildren<QGroupBox*>())
-        take(group->title());
-    return problems;
-}
 
 struct DialogCase
 {
@@ -92,7 +42,7 @@ TEST_P(DialogMnemonics, AreUniqueAndWork)
     if (auto* file = qobject_cast<CFileDialogEx*>(dialog.get()))
         file->OnInitDialog();
     dialog->show();
-    EXPECT_EQ(MnemonicProblems(*dialog), QStringList());
+    EXPECT_EQ(MnemonicCheck::Problems(*dialog), QStringList());
 }
 
 INSTANTIATE_TEST_SUITE_P(Dialogs, DialogMnemonics, ::testing::Values(
