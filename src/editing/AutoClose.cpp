@@ -1,5 +1,7 @@
 #include "AutoClose.h"
 
+#include "ControlAccess.h"
+
 #include <Qsci/qsciscintillabase.h>
 
 #include <QKeyEvent>
@@ -8,12 +10,9 @@
 
 namespace {
 
-using Sci = QsciScintillaBase;
+using ControlAccess::Send;
 
-long Send(QsciScintillaBase& c, unsigned int msg, unsigned long w = 0, long l = 0)
-{
-    return c.SendScintilla(msg, w, l);
-}
+using Sci = QsciScintillaBase;
 
 char Closer(char opener)
 {

@@ -1,5 +1,7 @@
 #include "LineOperations.h"
 
+#include "ControlAccess.h"
+
 #include <Qsci/qsciscintillabase.h>
 
 #include <QByteArray>
@@ -9,12 +11,9 @@
 
 namespace {
 
-using Sci = QsciScintillaBase;
+using ControlAccess::Send;
 
-long Send(QsciScintillaBase& c, unsigned int msg, unsigned long w = 0, long l = 0)
-{
-    return c.SendScintilla(msg, w, l);
-}
+using Sci = QsciScintillaBase;
 
 struct LineRange
 {

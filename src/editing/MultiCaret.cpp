@@ -1,5 +1,7 @@
 #include "MultiCaret.h"
 
+#include "ControlAccess.h"
+
 #include <Qsci/qsciscintillabase.h>
 
 #include <QList>
@@ -11,18 +13,10 @@
 
 namespace {
 
+using ControlAccess::Send;
+using ControlAccess::IsWordByte;
+
 using Sci = QsciScintillaBase;
-
-long Send(QsciScintillaBase& c, unsigned int msg, unsigned long w = 0, long l = 0)
-{
-    return c.SendScintilla(msg, w, l);
-}
-
-bool IsWordByte(char ch)
-{
-    const auto b = static_cast<unsigned char>(ch);
-    return b == '_' || (b >= '0' && b <= '9') || ((b | 0x20) >= 'a' && (b | 0x20) <= 'z') || b >= 0x80;
-}
 
 bool WholeWordAt(const char* text, long length, long start, long end)
 {

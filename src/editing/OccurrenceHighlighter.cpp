@@ -1,5 +1,7 @@
 #include "OccurrenceHighlighter.h"
 
+#include "ControlAccess.h"
+
 #include "MultiCaret.h"
 
 #include <Qsci/qsciscintillabase.h>
@@ -15,15 +17,11 @@ using Sci = QsciScintillaBase;
 
 namespace {
 
+using ControlAccess::IsWordByte;
+
 // Bytes per scan step: a few milliseconds of searching.
 constexpr long StepBytes = 256 * 1024;
 constexpr int LongestNeedle = 256;
-
-bool IsWordByte(char ch)
-{
-    const auto b = static_cast<unsigned char>(ch);
-    return b == '_' || (b >= '0' && b <= '9') || ((b | 0x20) >= 'a' && (b | 0x20) <= 'z') || b >= 0x80;
-}
 
 } // namespace
 

@@ -1,23 +1,17 @@
 #include "TypingHelp.h"
 
+#include "ControlAccess.h"
+
 #include <Qsci/qsciscintillabase.h>
 
 #include <algorithm>
 
 namespace {
 
+using ControlAccess::Send;
+using ControlAccess::IsWordByte;
+
 using Sci = QsciScintillaBase;
-
-long Send(QsciScintillaBase& c, unsigned int msg, unsigned long w = 0, long l = 0)
-{
-    return c.SendScintilla(msg, w, l);
-}
-
-bool IsWordByte(char ch)
-{
-    const auto b = static_cast<unsigned char>(ch);
-    return b == '_' || (b >= '0' && b <= '9') || ((b | 0x20) >= 'a' && (b | 0x20) <= 'z') || b >= 0x80;
-}
 
 // How much of each document is read for words: around the caret in the document being
 // typed in, from the top in the others, so that a huge file cannot stall typing.

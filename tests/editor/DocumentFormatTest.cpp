@@ -8,6 +8,7 @@
 #include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
 #include "framework/OpenOptions.h"
+#include "DocumentCleanup.h"
 
 #include <QAction>
 #include <QDir>
@@ -35,13 +36,7 @@ protected:
     void TearDown() override
     {
         m_shell.ActivateChild(nullptr);
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
     CScrivelDoc* Open(const QString& name, const QByteArray& bytes)
     {

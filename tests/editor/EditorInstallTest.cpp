@@ -12,6 +12,7 @@
 #include "framework/CommandIds.h"
 #include "framework/OpenOptions.h"
 #include "syntax/CSyntaxParserList.h"
+#include "DocumentCleanup.h"
 
 #include <QAction>
 #include <QDir>
@@ -45,13 +46,7 @@ protected:
     }
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
 
     CScrivelFrame* OpenNew()

@@ -9,6 +9,7 @@
 #include "editor/CScrivelView.h"
 #include "syntax/CSyntaxParser.h"
 #include "TestSupport.h"
+#include "DocumentCleanup.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -41,13 +42,7 @@ protected:
 
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames(); // a copy: each delete shortens the list
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
 
     void SetText(const QByteArray& text)

@@ -12,6 +12,7 @@
 #include "settings/CRegistryStore.h"
 #include "syntax/CSyntaxParserList.h"
 #include "TestSupport.h"
+#include "DocumentCleanup.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -67,13 +68,7 @@ protected:
     }
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
 
     static void SetEdit(const char* name, qint64 value)

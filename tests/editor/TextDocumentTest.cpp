@@ -7,6 +7,7 @@
 #include "editor/TextFileDetector.h"
 #include "TestSupport.h"
 #include "settings/CRegistryStore.h"
+#include "DocumentCleanup.h"
 
 #include <QDir>
 #include <QMessageBox>
@@ -33,13 +34,7 @@ protected:
 
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
 
     QString Path(const QString& name) const { return QDir(m_dir).filePath(name); }

@@ -8,6 +8,7 @@
 #include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
 #include "settings/CRegistryStore.h"
+#include "DocumentCleanup.h"
 
 #include <QAction>
 #include <QApplication>
@@ -28,13 +29,7 @@ protected:
     }
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
     static std::unique_ptr<CDocTemplate> MakeTemplate()
     {

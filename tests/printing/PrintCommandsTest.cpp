@@ -7,6 +7,7 @@
 #include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
 #include "printing/PrintCommands.h"
+#include "DocumentCleanup.h"
 
 #include <QAction>
 #include <QApplication>
@@ -33,13 +34,7 @@ protected:
     }
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
     CScrivelFrame* NewFrame(int lines)
     {

@@ -18,6 +18,7 @@
 #include "properties/PropertiesCommands.h"
 #include "settings/CRegistryStore.h"
 #include "syntax/CSyntaxParserList.h"
+#include "DocumentCleanup.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -81,13 +82,7 @@ protected:
 
     void TearDown() override
     {
-        for (CDocument* document : m_template->GetDocuments()) {
-            document->SetModifiedFlag(false);
-            const auto frames = document->GetFrames();
-            for (CChildFrame* frame : frames)
-                delete frame;
-            delete document;
-        }
+        DocumentCleanup::DeleteAll(*m_template);
     }
 
     CScrivelFrame* NewCFrame()
