@@ -533,9 +533,9 @@ void CScrivelDoc::CheckDiskChange()
 {
     if (m_checkingDisk || m_strPathName.isEmpty() || !m_diskStamp.IsValid())
         return;
-    const FileStamp::Change change = m_diskStamp.Compare(m_strPathName);
-    const FileStamp now = FileStamp::Of(m_strPathName);
-    if (change == FileStamp::Change::None || (m_declinedStamp.IsValid() && now == m_declinedStamp))
+    FileStamp now;
+    const FileStamp::Change change = m_diskStamp.Unasked(m_strPathName, m_declinedStamp, now);
+    if (change == FileStamp::Change::None)
         return;
     // A question box activates the program again when it closes: ask once.
     m_checkingDisk = true;

@@ -42,3 +42,12 @@ FileStamp::Change FileStamp::Compare(const QString& path) const
         return Change::Deleted;
     return now == *this ? Change::None : Change::Modified;
 }
+
+FileStamp::Change FileStamp::Unasked(const QString& path, const FileStamp& declined, FileStamp& now) const
+{
+    const Change change = Compare(path);
+    now = Of(path);
+    if (change == Change::None || (declined.IsValid() && now == declined))
+        return Change::None;
+    return change;
+}

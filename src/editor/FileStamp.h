@@ -20,6 +20,9 @@ public:
     // How the file at `path` differs from this stamp. An empty stamp reports no change
     // (there was no file to compare with).
     Change Compare(const QString& path) const;
+    // The change still to be asked about: none when the file is as it was, or as it was
+    // when the user last declined to reload it (`declined`). `now` gets the file's stamp.
+    Change Unasked(const QString& path, const FileStamp& declined, FileStamp& now) const;
 
     bool operator==(const FileStamp&) const = default;
 

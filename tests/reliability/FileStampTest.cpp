@@ -96,4 +96,23 @@ TEST(FileStamp, NoFileGivesAnEmptyStampThatNeverReportsAChange)
     EXPECT_EQ(stamp.Compare(missing), Change::None);
 }
 
+TEST(FileStamp, ADeclinedChangeIsNotAskedAgainUntilTheFileChangesOnceMore)
+{
+    const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("f.txt"));
+    TestSupport::WriteFile(path, "read");
+    const FileStamp read = FileStamp::Of(path);
+    FileStamp now;
+    EXPECT_EQ(read.Unasked(path, FileStamp(), now), Change::None);
+
+    TestSupport::WriteFile(path, "changed by another program");
+    EXPECT_EQ(read.Unasked(path, FileStamp(), now), Change::Modified);
+    const FileStamp declined = now; // the user kept our text
+
+    EXPECT_EQ(read.Unasked(path, declined, now), Change::None);
+    TestSupport::WriteFile(path, "and changed again, longer than before");
+    EXPECT_EQ(read.Unasked(path, declined, now), Change::Modified);
+    QFile::remove(path);
+    EXPECT_EQ(read.Unasked(path, declined, now), Change::Deleted);
+}
+
 } // namespace
