@@ -3,6 +3,7 @@
 // mouse events on a shown tree.
 #include "explorer/CBaseTreeCtrl.h"
 #include "TestSupport.h"
+#include "TreeShape.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -24,18 +25,6 @@ public:
         CBaseTreeCtrl::OnItemCopied(parent, item, old);
     }
 };
-
-QString Shape(const CTreeNode* first)
-{
-    QStringList parts;
-    for (const CTreeNode* n = first; n; n = n->NextSibling()) {
-        QString part = n->text;
-        if (n->FirstChild())
-            part += QLatin1Char('[') + Shape(n->FirstChild()) + QLatin1Char(']');
-        parts << part;
-    }
-    return parts.join(QLatin1Char(','));
-}
 
 class BaseTreeCtrlTest : public ::testing::Test
 {

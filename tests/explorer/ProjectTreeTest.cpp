@@ -10,6 +10,7 @@
 #include "hex/CHexDocument.h"
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TreeShape.h"
 
 #include <QLineEdit>
 #include <QMenu>
@@ -19,18 +20,6 @@
 #include <memory>
 
 namespace {
-
-QString Shape(const CTreeNode* first)
-{
-    QStringList parts;
-    for (const CTreeNode* n = first; n; n = n->NextSibling()) {
-        QString part = n->text;
-        if (n->FirstChild())
-            part += QLatin1Char('[') + Shape(n->FirstChild()) + QLatin1Char(']');
-        parts << part;
-    }
-    return parts.join(QLatin1Char(','));
-}
 
 class ProjectTreeTest : public ::testing::Test
 {

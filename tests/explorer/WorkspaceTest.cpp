@@ -2,6 +2,7 @@
 // save and close cycle and its questions, through real files.
 #include "explorer/CWorkspace.h"
 #include "TestSupport.h"
+#include "TreeShape.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,19 +27,6 @@ public:
     void ShowInformation(const QString& text) override { messages << text; }
     void ShowError(const QString& text) override { messages << text; }
 };
-
-// The tree as one line: "Root[child,Folder[grandchild]]".
-QString Shape(const CTreeNode* first)
-{
-    QStringList parts;
-    for (const CTreeNode* n = first; n; n = n->NextSibling()) {
-        QString part = n->text;
-        if (n->FirstChild())
-            part += QLatin1Char('[') + Shape(n->FirstChild()) + QLatin1Char(']');
-        parts << part;
-    }
-    return parts.join(QLatin1Char(','));
-}
 
 class WorkspaceTest : public ::testing::Test
 {
