@@ -92,9 +92,10 @@ public:
     void StopProgress() override {}
 };
 
+// Draws the visible text now, as the screen would: repaint() alone may be put off.
 void Paint(CMFCScintilla* editor)
 {
-    editor->viewport()->repaint();
+    editor->viewport()->grab();
 }
 
 // Child: the bytes straight into a bare control, in the control's own large steps.

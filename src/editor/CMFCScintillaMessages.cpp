@@ -334,7 +334,8 @@ void CMFCScintilla::SetSavePoint()
 
 int CMFCScintilla::GetStyleAt(long position) const
 {
-    return static_cast<int>(SendScintilla(SCI_GETSTYLEAT, static_cast<unsigned long>(position)));
+    // The control hands a style byte back sign-extended: styles past 127 came out negative.
+    return static_cast<int>(SendScintilla(SCI_GETSTYLEAT, static_cast<unsigned long>(position)) & 0xFF);
 }
 
 int CMFCScintilla::GetLexer() const

@@ -209,7 +209,6 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     editor->SetSavePoint();
     editor->EmptyUndoBuffer();
     editor->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLEENFORCEPOLICY, 0UL);
-    editor->GotoLine(0);
 
     // A line longer than the control lays out quickly is left uncoloured, as large files are.
     if (!large) {
@@ -233,6 +232,9 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
         editor->SetLineNumberMargin(true);
     CDocument::OnOpenDocument(path);
     Q_EMIT formatChanged();
+    // Only now: placing the caret lays its line out, which a very long line must not
+    // meet before its views have styled it.
+    editor->GotoLine(0);
     Q_EMIT loaded(path);
     return true;
 }

@@ -9,6 +9,8 @@
 #include "framework/CChildFrame.h"
 #include "CEditorCommands.h"
 #include "CTextSearch.h"
+#include "LargeFileMode.h"
+#include "LongLineStyler.h"
 #include "framework/CommandIds.h"
 #include "framework/ThemeColours.h"
 #include "shell/IShell.h"
@@ -23,12 +25,20 @@ namespace {
 
 using Sci = QsciScintillaBase;
 
+// Pieces need style bytes, and the control's notices give positions as int.
+bool LongLineStylesFit(CMFCScintilla& editor)
+{
+    const long options = editor.SendScintilla(Sci::SCI_GETDOCUMENTOPTIONS);
+    return !(options & LargeFileMode::StylesNone) && editor.GetLength() < INT_MAX;
+}
+
 } // namespace
 
 CScrivelView::CScrivelView(CScrivelDoc* document, QWidget* parent)
     : QWidget(parent)
     , m_document(document)
     , m_editor(new CMFCScintilla(this))
+    , m_longLines(new LongLineStyler(m_editor))
 {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -56,6 +66,8 @@ CScrivelView::CScrivelView(CScrivelDoc* document, QWidget* parent)
     connect(m_editor, &Sci::SCN_MARGINCLICK, this, &CScrivelView::OnMarginClick);
     connect(m_editor, &CMFCScintilla::caretJumped, this, &CScrivelView::RecordNavigation);
     connect(m_editor, &CMFCScintilla::contextMenuRequested, this, &CScrivelView::ShowContextMenu);
+    if (m_document)
+        connect(m_document, &CScrivelDoc::formatChanged, this, &CScrivelView::UpdateLongLineStyling);
 }
 
 CScrivelView::~CScrivelView()
@@ -195,10 +207,17 @@ void CScrivelView::ApplyParser(const CSyntaxParser& parser)
         // A new lexer starts without the fold properties.
         m_editor->SetFolding(Settings().CodeFolding != 0);
     }
+    UpdateLongLineStyling();
     // Clearing the styles took the line numbers' colour and font too.
     m_editor->SendScintilla(Sci::SCI_STYLESETFORE, CMFCScintilla::LineNumberStyle,
                             static_cast<long>(ThemeColours::Current().LineNumber()));
     SetFont(Settings().FontStyle, Settings().FontSize, Settings().FontBold != 0, Settings().FontItalic != 0);
+}
+
+void CScrivelView::UpdateLongLineStyling()
+{
+    m_longLines->SetActive(m_document && m_document->ColouringOffReason() == CScrivelDoc::PlainReason::LongLine
+                           && LongLineStylesFit(*m_editor));
 }
 
 QString CScrivelView::PositionText() const

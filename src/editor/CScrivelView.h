@@ -9,6 +9,7 @@
 
 class CEditorCommands;
 class CMFCScintilla;
+class LongLineStyler;
 class CScrivelFrame;
 class CSyntaxParser;
 class QMenu;
@@ -90,6 +91,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Very long lines, left uncoloured, are styled in short look-alike pieces instead.
+    void UpdateLongLineStyling();
     void OnFoldChanged(long line, int levelNow, int levelPrev);
     void ShowIfParentOpen(long line);
     void RecordNavigation(long from, long to);
@@ -104,6 +107,7 @@ private:
     QPointer<CScrivelDoc> m_document;
     QPointer<CEditorCommands> m_host;
     CMFCScintilla* m_editor;
+    LongLineStyler* m_longLines;
     ViewSettings m_settings;
     QList<long> m_foldedLines;
     bool m_hasSelection = false;

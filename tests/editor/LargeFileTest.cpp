@@ -2,7 +2,9 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
+#include "editor/CTextSearch.h"
 #include "editor/LargeFileMode.h"
+#include "editor/LongLinePieces.h"
 #include "editor/TextEncoding.h"
 #include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
@@ -141,7 +143,10 @@ TEST_F(LargeFileTest, ColouringOffBySizeAndLineLength)
         const bool plain = c.reason != CScrivelDoc::PlainReason::None;
         // The C++ parser was chosen either way; only its lexer is dropped.
         EXPECT_GE(Frame(document)->GetParserIndex(), 0) << c.name;
-        EXPECT_EQ(editor->GetLexer() == QsciScintillaBase::SCLEX_NULL, plain) << c.name;
+        // A long line is styled in plain-looking pieces by the view instead of a lexer.
+        const int plainLexer = c.reason == CScrivelDoc::PlainReason::LongLine ? QsciScintillaBase::SCLEX_CONTAINER
+                                                                               : QsciScintillaBase::SCLEX_NULL;
+        EXPECT_EQ(editor->GetLexer() == plainLexer, plain) << c.name;
         EXPECT_EQ(Frame(document)->StatusText().contains(QStringLiteral("no colouring")), plain) << c.name;
     }
 }
@@ -173,6 +178,80 @@ TEST_F(LargeFileTest, ViewAsTurnsColouringBackOn)
     // The coloured text really is styled now.
     editor->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0UL, 200L);
     EXPECT_NE(editor->GetStyleAt(0), editor->GetStyleAt(4));
+}
+
+// A very long line is cut into pieces of two styles that look like plain text, and what
+// is typed, pasted or brought back by undo is cut the same way, however the text around
+// it moved. The text itself never changes.
+TEST_F(LargeFileTest, LongLineIsStyledInPlainLookingPieces)
+{
+    SetEdit("LongLineLength", 1000);
+    QByteArray text;
+    for (int i = 0; text.size() < 200000; ++i)
+        text += "{\"id\":" + QByteArray::number(i) + ",\"name\":\"caf\xC3\xA9\"},";
+    CScrivelDoc* document = Open(Write(QStringLiteral("line.json"), text + "\nshort\n"));
+    ASSERT_NE(document, nullptr);
+    ASSERT_EQ(document->ColouringOffReason(), CScrivelDoc::PlainReason::LongLine);
+    CMFCScintilla* editor = document->GetEditor();
+    const auto pieceAt = [editor](long position) {
+        return LongLinePieces::IsPieceStyle(editor->GetStyleAt(position));
+    };
+    const auto allPieces = [&](long from, long to) {
+        for (long i = from; i < to; ++i) {
+            if (!pieceAt(i))
+                return i;
+        }
+        return -1L;
+    };
+    EXPECT_EQ(allPieces(0, editor->GetLength()), -1);
+    EXPECT_NE(editor->GetStyleAt(0), editor->GetStyleAt(2));
+
+    // The two piece styles look like the plain style, fonts and colours set since included.
+    Frame(document)->GetView()->SetFont(QStringLiteral("Serif"), 17, true, false);
+    Frame(document)->GetView()->GetEditor()->viewport()->grab();
+    for (const unsigned int message : {QsciScintillaBase::SCI_STYLEGETFORE, QsciScintillaBase::SCI_STYLEGETBACK,
+                                       QsciScintillaBase::SCI_STYLEGETSIZEFRACTIONAL, QsciScintillaBase::SCI_STYLEGETWEIGHT}) {
+        const long plain = editor->SendScintilla(message, 0UL);
+        EXPECT_EQ(editor->SendScintilla(message, static_cast<unsigned long>(LongLinePieces::StyleA)), plain) << message;
+        EXPECT_EQ(editor->SendScintilla(message, static_cast<unsigned long>(LongLinePieces::StyleB)), plain) << message;
+    }
+
+    // Typed and pasted text in the middle and at the end of the line.
+    const QByteArray typed = "xyz \xE4\xB8\xAD";
+    editor->GotoPos(100000);
+    editor->AddText(typed.constData(), typed.size());
+    editor->GotoPos(editor->GetLineEndPosition(0));
+    editor->AddText("tail", 4);
+    editor->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0UL, -1L);
+    EXPECT_EQ(allPieces(0, editor->GetLength()), -1);
+    // Undo brings a deletion back unstyled; colouring cuts it into pieces again.
+    editor->SetSel(500, 90000);
+    editor->SendScintilla(QsciScintillaBase::SCI_CLEAR);
+    editor->Undo();
+    editor->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0UL, -1L);
+    EXPECT_EQ(allPieces(0, editor->GetLength()), -1);
+
+    // Replace All changes the text with the control's notices held back.
+    CTextSearch search(editor);
+    search.SetSearchFlags(true, false, false);
+    EXPECT_GT(search.ReplaceAll(QStringLiteral("name"), QStringLiteral("N\u00E4me"), false, false), 1000);
+    editor->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0UL, -1L);
+    EXPECT_EQ(allPieces(0, editor->GetLength()), -1);
+
+    QByteArray expected = text;
+    expected.insert(100000, typed);
+    expected.replace("name", "N\xC3\xA4me");
+    expected += "tail\nshort\n";
+    EXPECT_EQ(editor->GetText(), expected);
+
+    // View As hands the text back to a lexer, which styles it afresh.
+    const int json = Frame(document)->GetParserIndex();
+    ASSERT_GE(json, 0);
+    ASSERT_TRUE(Frame(document)->OnCmdMsg(Cmd::ViewAsFirst + json));
+    editor = document->GetEditor();
+    EXPECT_NE(editor->GetLexer(), QsciScintillaBase::SCLEX_CONTAINER);
+    editor->SendScintilla(QsciScintillaBase::SCI_COLOURISE, 0UL, 5000L);
+    EXPECT_EQ(allPieces(0, 5000), 0);
 }
 
 // A large document's changes reach listeners (the view, recovery) once the event loop
