@@ -1,5 +1,7 @@
 #include "CPrintJob.h"
 
+#include "CPageControl.h"
+
 #include <Qsci/qsciscintillabase.h>
 #include <QFontMetrics>
 #include <QPainter>
@@ -45,25 +47,12 @@ void CPrintJob::ComputeRects(QPainter& painter)
 
 bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress, bool layOutAll)
 {
-    if (m_savedMarginWidth < 0) {
-        m_savedMarginWidth = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL));
-        m_savedMarginType = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINTYPEN, 1UL));
-        int width = 0;
-        if (m_options.lineNumbers) {
-            // Only a number margin prints; margin 1 is the view's, but a bare control
-            // has symbols there.
-            m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL,
-                                   long(QsciScintillaBase::SC_MARGIN_NUMBER));
-            const long lines = m_editor.SendScintilla(QsciScintillaBase::SCI_GETLINECOUNT);
-            const QByteArray sample = "_" + QByteArray(QByteArray::number(qlonglong(lines)).size(), '9');
-            width = int(m_editor.SendScintilla(QsciScintillaBase::SCI_TEXTWIDTH,
-                                               QsciScintillaBase::STYLE_LINENUMBER, sample.constData()));
-        }
-        m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINWIDTHN, 1UL, long(width));
-    }
+    if (!m_page)
+        m_page = std::make_unique<CPageControl>(m_editor);
+    m_page->SetLineNumbers(m_options.lineNumbers);
     // The document's own colours on paper, at the size it is shown.
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETPRINTCOLOURMODE, QsciScintillaBase::SC_PRINT_NORMAL);
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETPRINTMAGNIFICATION, 0UL);
+    m_page->SendScintilla(QsciScintillaBase::SCI_SETPRINTCOLOURMODE, QsciScintillaBase::SC_PRINT_NORMAL);
+    m_page->SendScintilla(QsciScintillaBase::SCI_SETPRINTMAGNIFICATION, 0UL);
 
     m_font = QFont(m_options.fontFace);
     m_font.setPointSize(qMax(1, m_options.fontSize));
@@ -102,7 +91,7 @@ bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress, boo
 
 long CPrintJob::FormatPage(QPainter& painter, long start, bool draw) const
 {
-    return m_editor.SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, draw ? 1UL : 0UL, &painter,
+    return m_page->SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, draw ? 1UL : 0UL, &painter,
                                   m_rects.text, start, m_rangeEnd);
 }
 
@@ -238,12 +227,9 @@ long CPrintJob::PrintPage(QPainter& painter, int page)
 
 void CPrintJob::OnEndPrinting()
 {
-    if (m_savedMarginWidth < 0)
+    if (!m_page)
         return;
-    m_editor.SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, 0UL, 0L);
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL, long(m_savedMarginType));
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINWIDTHN, 1UL, long(m_savedMarginWidth));
-    m_savedMarginWidth = -1;
+    m_page.reset();
     m_pageStarts.clear();
 }
 
