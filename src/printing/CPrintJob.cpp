@@ -1,5 +1,6 @@
 #include "CPrintJob.h"
 
+#include "CBlankPaperFilter.h"
 #include "CPageControl.h"
 
 #include <Qsci/qsciscintillabase.h>
@@ -271,14 +272,17 @@ void CPrintJob::OnEndPrinting()
 bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
 {
     const CKeepPageBuffers buffers;
-    QPainter painter;
-    if (!painter.begin(&printer))
+    QPainter out;
+    if (!out.begin(&printer))
         return false;
+    CBlankPaperFilter paper(out);
+    QPainter painter(&paper);
     // Only a page range needs the pages counted first; a whole run lays out each page
     // once, as it draws it.
     const bool ranged = printer.printRange() == QPrinter::PageRange && printer.fromPage() > 0;
     if (!OnBeginPrinting(painter, progress, ranged)) {
         painter.end();
+        out.end();
         OnEndPrinting();
         return false;
     }
@@ -296,8 +300,10 @@ bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
             ok = false;
             break;
         }
-        if (page > first)
+        if (page > first) {
             printer.newPage();
+            paper.NewPage();
+        }
         const long next = PrintPage(painter, page);
         if (!ranged) {
             if (next <= m_pageStarts.at(page - 1) || next >= m_rangeEnd)
@@ -306,6 +312,7 @@ bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
         }
     }
     painter.end();
+    out.end();
     OnEndPrinting();
     return ok;
 }
