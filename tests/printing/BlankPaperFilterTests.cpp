@@ -66,10 +66,6 @@ INSTANTIATE_TEST_SUITE_P(
                        Text(p, 40);
                        p.fillRect(QRectF(30, 20, 40, 30), Qt::white);
                    }, 0},
-        FilterCase{"whiteOverTextsDescender", [](QPainter& p) {
-                       Text(p, 40);
-                       p.fillRect(QRectF(0, 41, 300, 20), Qt::white);
-                   }, 0},
         FilterCase{"whiteBesideText", [](QPainter& p) {
                        Text(p, 40);
                        p.fillRect(QRectF(0, 120, 300, 20), Qt::white);

@@ -104,7 +104,6 @@ INSTANTIATE_TEST_SUITE_P(
                      e.SendScintilla(Sci::SCI_SETCARETLINEVISIBLE, 1UL);
                      e.SendScintilla(Sci::SCI_SETCARETLINEVISIBLEALWAYS, 1UL);
                  }, false},
-        LookCase{"selection", [](Sci& e) { e.SendScintilla(Sci::SCI_SETSEL, 3L, 60L); }, false},
         LookCase{"indentGuides", [](Sci& e) { e.SendScintilla(Sci::SCI_SETINDENTATIONGUIDES, ulong(Sci::SC_IV_LOOKBOTH)); }, false},
         LookCase{"findMatches", [](Sci& e) { Indicate(e, 9, Sci::INDIC_ROUNDBOX, 4, 5); }, false},
         LookCase{"occurrences", [](Sci& e) { Indicate(e, 0, Sci::INDIC_SQUIGGLE, 14, 4); }, false},
@@ -118,11 +117,6 @@ INSTANTIATE_TEST_SUITE_P(
                      e.SendScintilla(Sci::SCI_MARKERDEFINE, 1UL, long(Sci::SC_MARK_ROUNDRECT));
                      e.SendScintilla(Sci::SCI_MARKERSETBACK, 1UL, 0x0000ffL);
                      e.SendScintilla(Sci::SCI_MARKERADD, 0UL, 1L);
-                 }, false},
-        LookCase{"braceHighlight", [](Sci& e) {
-                     e.SendScintilla(Sci::SCI_STYLESETFORE, ulong(Sci::STYLE_BRACELIGHT), 0x0000ffL);
-                     e.SendScintilla(Sci::SCI_STYLESETBACK, ulong(Sci::STYLE_BRACELIGHT), 0x00ffffL);
-                     e.SendScintilla(Sci::SCI_BRACEHIGHLIGHT, 3UL, 9L);
                  }, false},
         // The text's own colouring prints: styles, and indicators that colour letters.
         LookCase{"styledText", [](Sci& e) {
