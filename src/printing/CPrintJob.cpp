@@ -1,5 +1,8 @@
 #include "CPrintJob.h"
 
+#include "CBlankPaperFilter.h"
+#include "CPageControl.h"
+
 #include <Qsci/qsciscintillabase.h>
 #include <QFontMetrics>
 #include <QPainter>
@@ -11,6 +14,41 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
+namespace {
+
+// The printer's engine builds each page in a buffer of a few hundred kilobytes and
+// compresses it through chunks as large. With the allocator's defaults every such block
+// goes back to the system when freed and is faulted in afresh for the next page, which
+// costs a quarter of a long run. For the run, freed memory stays in the process; after
+// it the usual limits return and what is left over is given back.
+class CKeepPageBuffers
+{
+public:
+    CKeepPageBuffers()
+    {
+#if defined(__GLIBC__)
+        mallopt(M_MMAP_THRESHOLD, 32 << 20);
+        mallopt(M_TRIM_THRESHOLD, 64 << 20);
+#endif
+    }
+    ~CKeepPageBuffers()
+    {
+#if defined(__GLIBC__)
+        mallopt(M_MMAP_THRESHOLD, 128 << 10);
+        mallopt(M_TRIM_THRESHOLD, 128 << 10);
+        malloc_trim(0);
+#endif
+    }
+    CKeepPageBuffers(const CKeepPageBuffers&) = delete;
+    CKeepPageBuffers& operator=(const CKeepPageBuffers&) = delete;
+};
+
+} // namespace
 
 CPrintJob::CPrintJob(QsciScintillaBase& editor, const PrintOptions& options,
                      const QString& headerName)
@@ -45,25 +83,12 @@ void CPrintJob::ComputeRects(QPainter& painter)
 
 bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress, bool layOutAll)
 {
-    if (m_savedMarginWidth < 0) {
-        m_savedMarginWidth = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN, 1UL));
-        m_savedMarginType = int(m_editor.SendScintilla(QsciScintillaBase::SCI_GETMARGINTYPEN, 1UL));
-        int width = 0;
-        if (m_options.lineNumbers) {
-            // Only a number margin prints; margin 1 is the view's, but a bare control
-            // has symbols there.
-            m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL,
-                                   long(QsciScintillaBase::SC_MARGIN_NUMBER));
-            const long lines = m_editor.SendScintilla(QsciScintillaBase::SCI_GETLINECOUNT);
-            const QByteArray sample = "_" + QByteArray(QByteArray::number(qlonglong(lines)).size(), '9');
-            width = int(m_editor.SendScintilla(QsciScintillaBase::SCI_TEXTWIDTH,
-                                               QsciScintillaBase::STYLE_LINENUMBER, sample.constData()));
-        }
-        m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINWIDTHN, 1UL, long(width));
-    }
+    if (!m_page)
+        m_page = std::make_unique<CPageControl>(m_editor);
+    m_page->SetLineNumbers(m_options.lineNumbers);
     // The document's own colours on paper, at the size it is shown.
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETPRINTCOLOURMODE, QsciScintillaBase::SC_PRINT_NORMAL);
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETPRINTMAGNIFICATION, 0UL);
+    m_page->SendScintilla(QsciScintillaBase::SCI_SETPRINTCOLOURMODE, QsciScintillaBase::SC_PRINT_NORMAL);
+    m_page->SendScintilla(QsciScintillaBase::SCI_SETPRINTMAGNIFICATION, 0UL);
 
     m_font = QFont(m_options.fontFace);
     m_font.setPointSize(qMax(1, m_options.fontSize));
@@ -102,7 +127,7 @@ bool CPrintJob::OnBeginPrinting(QPainter& painter, const Progress& progress, boo
 
 long CPrintJob::FormatPage(QPainter& painter, long start, bool draw) const
 {
-    return m_editor.SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, draw ? 1UL : 0UL, &painter,
+    return m_page->SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, draw ? 1UL : 0UL, &painter,
                                   m_rects.text, start, m_rangeEnd);
 }
 
@@ -238,25 +263,26 @@ long CPrintJob::PrintPage(QPainter& painter, int page)
 
 void CPrintJob::OnEndPrinting()
 {
-    if (m_savedMarginWidth < 0)
+    if (!m_page)
         return;
-    m_editor.SendScintilla(QsciScintillaBase::SCI_FORMATRANGE, 0UL, 0L);
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINTYPEN, 1UL, long(m_savedMarginType));
-    m_editor.SendScintilla(QsciScintillaBase::SCI_SETMARGINWIDTHN, 1UL, long(m_savedMarginWidth));
-    m_savedMarginWidth = -1;
+    m_page.reset();
     m_pageStarts.clear();
 }
 
 bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
 {
-    QPainter painter;
-    if (!painter.begin(&printer))
+    const CKeepPageBuffers buffers;
+    QPainter out;
+    if (!out.begin(&printer))
         return false;
+    CBlankPaperFilter paper(out);
+    QPainter painter(&paper);
     // Only a page range needs the pages counted first; a whole run lays out each page
     // once, as it draws it.
     const bool ranged = printer.printRange() == QPrinter::PageRange && printer.fromPage() > 0;
     if (!OnBeginPrinting(painter, progress, ranged)) {
         painter.end();
+        out.end();
         OnEndPrinting();
         return false;
     }
@@ -274,8 +300,10 @@ bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
             ok = false;
             break;
         }
-        if (page > first)
+        if (page > first) {
             printer.newPage();
+            paper.NewPage();
+        }
         const long next = PrintPage(painter, page);
         if (!ranged) {
             if (next <= m_pageStarts.at(page - 1) || next >= m_rangeEnd)
@@ -284,6 +312,7 @@ bool CPrintJob::Print(QPrinter& printer, const Progress& progress)
         }
     }
     painter.end();
+    out.end();
     OnEndPrinting();
     return ok;
 }

@@ -8,8 +8,10 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
+class CPageControl;
 class QPainter;
 class QPrinter;
 class QsciScintillaBase;
@@ -30,8 +32,8 @@ struct PrintOptions
 
 // One print run of an editing control: lays out every page with the control's own
 // formatter, then draws pages with an optional header (the document's name and a
-// rule) and footer (the page number and a rule). The control keeps its text and
-// colours; only its line-number margin is changed for the run and put back after.
+// rule) and footer (the page number and a rule). Pages are made by a hidden control
+// sharing the document, so the control printed is left exactly as it was.
 class CPrintJob
 {
 public:
@@ -45,7 +47,7 @@ public:
     // Prints only this range of the text (a selection) instead of all of it.
     void SetRange(long start, long end);
 
-    // On a painter that is active on the target device: sets the margin, measures the
+    // On a painter that is active on the target device: sets up the page control, measures the
     // font and lays out all pages (or, without `layOutAll`, only knows the first page's
     // start). False when cancelled.
     bool OnBeginPrinting(QPainter& painter, const Progress& progress = {}, bool layOutAll = true);
@@ -56,7 +58,7 @@ public:
     const PrintLayout::PageRects& Rects() const { return m_rects; }
     // Draws page `page` (from 1) onto the painter; returns where the next page starts.
     long PrintPage(QPainter& painter, int page);
-    // Frees the control's layout cache and puts the line-number margin back.
+    // Lets go of the page control.
     void OnEndPrinting();
 
     // The whole run onto a printer: the printer's page range (or all pages), a new
@@ -87,8 +89,7 @@ private:
     int m_linesPerPage = 0;
     PrintLayout::PageRects m_rects;
     QList<long> m_pageStarts;
-    int m_savedMarginWidth = -1;
-    int m_savedMarginType = 0;
+    std::unique_ptr<CPageControl> m_page;
 
     // Pages whose lines all surely fit the width on one printed line each hold the
     // same number of lines; those are counted instead of laid out.
