@@ -185,8 +185,13 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
         LongOperation operation(&progress, size, 0);
         QuietLoad quiet(editor);
         editor.SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
-        editor.Allocate(static_cast<long>(size + 1000));
         editor.ClearAll();
+        // The progress shows before the storage is sized: for a large file that alone
+        // takes a moment (the control fills it with zeros).
+        operation.Step(0);
+        // Sized once, with room to spare: storage that is filled exactly is copied whole
+        // into a bigger one by the control.
+        editor.Allocate(static_cast<long>(size + 1000));
 
         DecodedSteps steps;
         std::thread reader(ReadAndDecode, path, encoding, bomLength, codePage, std::ref(steps));
