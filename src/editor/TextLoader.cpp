@@ -215,10 +215,8 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
             result.lostBytes = steps.Lost();
         }
     }
-    if (result.cancelled) {
-        // Nothing of a cancelled load stays behind.
-        editor.ClearAll();
-    }
+    // A cancelled load leaves its partial text for the caller to drop with the document:
+    // clearing it here would take the control seconds, line by line, for nothing.
     editor.EmptyUndoBuffer();
     editor.SetSavePoint();
     editor.SetReadOnly(wasReadOnly);
