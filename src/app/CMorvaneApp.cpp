@@ -130,6 +130,10 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     connect(m_handOff, &FileHandOff::filesPending, this, &CMorvaneApp::CheckPendingFiles);
     m_handOff->Listen();
 
+    // The window shows before the files load, so that a long load's progress and Cancel
+    // are seen; what waits for the first idle moment (offers of recovery among them)
+    // waits for the files too.
+    m_pMainFrame->ShowMainWindow(false);
     bool opened = false;
     // "--compare LEFT RIGHT" (or "-d"), as git difftool passes it, opens a compare tab.
     QStringList paths = files;
@@ -155,7 +159,7 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     if (!opened && m_pMainFrame->MdiArea()->subWindowList().isEmpty())
         NewDocument();
 
-    m_pMainFrame->ShowMainWindow();
+    m_pMainFrame->AnnounceFirstIdle();
     return true;
 }
 

@@ -187,6 +187,8 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     }
     m_plain = large ? PlainReason::LargeFile : PlainReason::None;
 
+    // A long load shows which file it is while it runs.
+    SetTitle(QFileInfo(path).fileName());
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     const AnsiCodePage codePage = ConfiguredCodePage();
     const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress,
