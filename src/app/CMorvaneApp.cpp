@@ -19,8 +19,10 @@
 #include "compare/CompareArguments.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QWindow>
 
 CMorvaneApp::CMorvaneApp(int& argc, char** argv)
     : QApplication(argc, argv)
@@ -134,6 +136,15 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     // are seen; what waits for the first idle moment (offers of recovery among them)
     // waits for the files too.
     m_pMainFrame->ShowMainWindow(false);
+    if (!files.isEmpty()) {
+        // On screen and painted before a long load holds the event loop.
+        QElapsedTimer waited;
+        waited.start();
+        while (waited.elapsed() < 500 && m_pMainFrame->windowHandle()
+               && !m_pMainFrame->windowHandle()->isExposed())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::processEvents();
+    }
     bool opened = false;
     // "--compare LEFT RIGHT" (or "-d"), as git difftool passes it, opens a compare tab.
     QStringList paths = files;
