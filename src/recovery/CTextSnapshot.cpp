@@ -27,9 +27,14 @@ CTextSnapshot::CTextSnapshot(CMFCScintilla& editor, QObject* parent)
 
 void CTextSnapshot::Start()
 {
+    // A copy under way stays exact through edits: it goes on rather than starting over,
+    // which for a large document would never finish while the user pauses now and then.
+    if (IsRunning())
+        return;
     m_copied = 0;
     m_length = -1;
     m_noticed = false;
+    m_sentBack = false;
     m_started.start();
     m_step.start();
 }
@@ -47,7 +52,11 @@ void CTextSnapshot::OnModified(int position, int type)
         return;
     m_noticed = true;
     // A position past what an int holds arrives negative: copy again from the start.
-    m_copied = std::min<qsizetype>(m_copied, std::max(position, 0));
+    const qsizetype from = std::max(position, 0);
+    if (from < m_copied) {
+        m_copied = from;
+        m_sentBack = true;
+    }
 }
 
 bool CTextSnapshot::CopyRange(qsizetype from, qsizetype count)
@@ -85,8 +94,10 @@ void CTextSnapshot::Step()
     const auto length = static_cast<qsizetype>(m_editor->SendScintilla(Sci::SCI_GETLENGTH));
     // A length that changed without a word from the control means a change nobody
     // announced: nothing copied can be trusted.
-    if (m_length >= 0 && length != m_length && !m_noticed)
+    if (m_length >= 0 && length != m_length && !m_noticed) {
         m_copied = 0;
+        m_sentBack = true;
+    }
     m_length = length;
     m_noticed = false;
 
@@ -96,9 +107,10 @@ void CTextSnapshot::Step()
             m_text.reserve(length + length / 64 + 4096);
         m_text.resize(length);
     }
-    // Past the longest wait, the rest goes in one piece; otherwise pieces are copied until
-    // the slice is done or the step has taken its share of the turn, whichever comes first.
-    const bool lastPiece = m_started.elapsed() > LongestMs;
+    // When edits have kept sending the copy back past the longest wait, the rest goes in
+    // one piece; otherwise pieces are copied until the slice is done or the step has
+    // taken its share of the turn, whichever comes first.
+    const bool lastPiece = m_sentBack && m_started.elapsed() > LongestMs;
     const qsizetype stepEnd = lastPiece ? length : std::min(length, m_copied + m_slice);
     QElapsedTimer clock;
     clock.start();

@@ -18,7 +18,7 @@ class CTextSnapshot : public QObject
 public:
     explicit CTextSnapshot(CMFCScintilla& editor, QObject* parent = nullptr);
 
-    // Begins a copy, or begins again from the start when one is under way.
+    // Begins a copy; one under way goes on.
     void Start();
     void Cancel();
     bool IsRunning() const { return m_step.isActive(); }
@@ -27,8 +27,8 @@ public:
     // How many bytes one step copies; small values let tests watch the steps.
     void SetSliceBytes(qsizetype bytes) { m_slice = bytes > 0 ? bytes : 1; }
 
-    // Past this much time, continual edits near the top cannot hold the copy off longer:
-    // the rest is copied in one piece.
+    // Past this much time, edits that keep sending the copy back cannot hold it off
+    // longer: the rest is copied in one piece.
     static constexpr int LongestMs = 3000;
     // A step copies no longer than this, a piece at a time: fresh memory costs a fault
     // per page, which on a busy machine makes a few megabytes take tens of milliseconds.
@@ -50,6 +50,7 @@ private:
     // The length seen by the last step, and whether the control has spoken since.
     qsizetype m_length = -1;
     bool m_noticed = false;
+    bool m_sentBack = false;
     qsizetype m_slice = qsizetype(4) << 20;
     QTimer m_step;
     QElapsedTimer m_started;

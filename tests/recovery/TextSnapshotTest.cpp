@@ -221,3 +221,21 @@ TEST(SnapshotLifetime, CancelAndALostEditorDeliverNothing)
     EXPECT_EQ(delivered, 0);
     EXPECT_FALSE(snapshot.IsRunning());
 }
+
+// Asking again while a copy is under way keeps its progress: the pauses in typing that
+// ask for copies must not keep a large document's copy from ever finishing.
+TEST(SnapshotLifetime, StartingAgainKeepsTheProgress)
+{
+    CMFCScintilla editor;
+    Fill(editor, Lines(2000));
+    CTextSnapshot snapshot(editor);
+    snapshot.SetSliceBytes(64);
+    snapshot.Start();
+    for (int i = 0; i < 1000 && snapshot.Copied() < 4096; ++i)
+        QApplication::processEvents();
+    const qsizetype copied = snapshot.Copied();
+    ASSERT_GE(copied, 4096);
+    snapshot.Start();
+    EXPECT_TRUE(snapshot.IsRunning());
+    EXPECT_EQ(snapshot.Copied(), copied);
+}
