@@ -509,7 +509,9 @@ void CScrivelDoc::TurnColouringOn()
     const bool modified = IsModified();
     const char* text = reinterpret_cast<const char*>(
         editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
-    if (!ReplaceControlDocument(length, LargeFileMode::DocumentOptions(length, true))) {
+    // With room to spare: storage that the text fills exactly is copied whole into a
+    // bigger one by the control.
+    if (!ReplaceControlDocument(length + 1000, LargeFileMode::DocumentOptions(length, true))) {
         editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
         m_plain = PlainReason::LargeFile;
         return;
