@@ -114,7 +114,7 @@ bool CMainFrame::Create()
     return true;
 }
 
-void CMainFrame::ShowMainWindow()
+void CMainFrame::ShowMainWindow(bool announceIdle)
 {
     CRegistryStore store;
     const QByteArray geometry = QByteArray::fromBase64(
@@ -130,6 +130,12 @@ void CMainFrame::ShowMainWindow()
     show();
     UpdatePositionPane();
     UpdateCommandUI();
+    if (announceIdle)
+        AnnounceFirstIdle();
+}
+
+void CMainFrame::AnnounceFirstIdle()
+{
     if (!std::exchange(m_shown, true))
         QTimer::singleShot(0, this, [this] { Q_EMIT m_events->firstIdle(); });
 }

@@ -35,7 +35,10 @@ public:
     // hidden until ShowMainWindow.
     bool Create();
     // Restores the bar layout and the window's place, then shows it.
-    void ShowMainWindow();
+    // With `announceIdle` false, the first idle moment waits for AnnounceFirstIdle: files
+    // loading after the window shows come first.
+    void ShowMainWindow(bool announceIdle = true);
+    void AnnounceFirstIdle();
 
     // IShell
     QMainWindow* Window() override { return this; }

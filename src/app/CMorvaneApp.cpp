@@ -19,8 +19,10 @@
 #include "compare/CompareArguments.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QWindow>
 
 CMorvaneApp::CMorvaneApp(int& argc, char** argv)
     : QApplication(argc, argv)
@@ -130,6 +132,19 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     connect(m_handOff, &FileHandOff::filesPending, this, &CMorvaneApp::CheckPendingFiles);
     m_handOff->Listen();
 
+    // The window shows before the files load, so that a long load's progress and Cancel
+    // are seen; what waits for the first idle moment (offers of recovery among them)
+    // waits for the files too.
+    m_pMainFrame->ShowMainWindow(false);
+    if (!files.isEmpty()) {
+        // On screen and painted before a long load holds the event loop.
+        QElapsedTimer waited;
+        waited.start();
+        while (waited.elapsed() < 500 && m_pMainFrame->windowHandle()
+               && !m_pMainFrame->windowHandle()->isExposed())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::processEvents();
+    }
     bool opened = false;
     // "--compare LEFT RIGHT" (or "-d"), as git difftool passes it, opens a compare tab.
     QStringList paths = files;
@@ -155,7 +170,7 @@ bool CMorvaneApp::InitInstance(const QStringList& files)
     if (!opened && m_pMainFrame->MdiArea()->subWindowList().isEmpty())
         NewDocument();
 
-    m_pMainFrame->ShowMainWindow();
+    m_pMainFrame->AnnounceFirstIdle();
     return true;
 }
 

@@ -177,7 +177,9 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
 
     const qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
     if (const int options = LargeFileMode::DocumentOptions(textBytes, !large); options != 0) {
-        if (!ReplaceControlDocument(textBytes, options)) {
+        // Empty: the loader sizes the storage once. Sized here too, the control would
+        // fill it with zeros now and copy it whole when the loader sizes it again.
+        if (!ReplaceControlDocument(0, options)) {
             ShowError(tr("Cannot open \"%1\": %2").arg(QDir::toNativeSeparators(path), tr("Not enough memory")));
             return false;
         }
@@ -185,6 +187,8 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     }
     m_plain = large ? PlainReason::LargeFile : PlainReason::None;
 
+    // A long load shows which file it is while it runs.
+    SetTitle(QFileInfo(path).fileName());
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
     const AnsiCodePage codePage = ConfiguredCodePage();
     const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress,
@@ -470,8 +474,7 @@ bool CScrivelDoc::ReplaceControlDocument(qint64 bytes, int options)
     CMFCScintilla* editor = GetEditor();
     if (!editor)
         return false;
-    // The control reserves nothing up front for `bytes` beyond its first allocation; the
-    // figure only sizes it.
+    // The control allocates (and zero-fills) `bytes` of storage at once.
     void* fresh = reinterpret_cast<void*>(editor->SendScintilla(
         QsciScintillaBase::SCI_CREATEDOCUMENT, static_cast<unsigned long>(std::max<qint64>(bytes, 0)),
         static_cast<long>(options)));
@@ -508,7 +511,9 @@ void CScrivelDoc::TurnColouringOn()
     const bool modified = IsModified();
     const char* text = reinterpret_cast<const char*>(
         editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
-    if (!ReplaceControlDocument(length, LargeFileMode::DocumentOptions(length, true))) {
+    // With room to spare: storage that the text fills exactly is copied whole into a
+    // bigger one by the control.
+    if (!ReplaceControlDocument(length + 1000, LargeFileMode::DocumentOptions(length, true))) {
         editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
         m_plain = PlainReason::LargeFile;
         return;

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <climits>
 #include <cstring>
 #include <functional>
 
@@ -429,6 +430,13 @@ long CTextSearch::ReplaceAll(const QString& find, const QString& replace, bool s
 
     m_editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK,
                             static_cast<unsigned long>(eventMask));
+    // Listeners (a recovery copy under way, the find bar's count) hear of the changes
+    // once, as if they were one edit from the start of the range.
+    if (count > 0)
+        Q_EMIT m_editor->SCN_MODIFIED(int(std::min<long>(rangeStart, INT_MAX)),
+                                      QsciScintillaBase::SC_MOD_INSERTTEXT | QsciScintillaBase::SC_MOD_DELETETEXT
+                                          | QsciScintillaBase::SC_PERFORMED_USER,
+                                      nullptr, 0, int(m_editor->GetLineCount() - linesBefore), 0, 0, 0, 0, 0);
     const bool lineNumbersShown =
         m_editor->SendScintilla(QsciScintillaBase::SCI_GETMARGINWIDTHN,
                                 static_cast<unsigned long>(CMFCScintilla::LineNumberMargin)) > 0;

@@ -9,6 +9,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QScopeGuard>
 
 #include <condition_variable>
 #include <deque>
@@ -185,8 +186,18 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
         LongOperation operation(&progress, size, 0);
         QuietLoad quiet(editor);
         editor.SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
-        editor.Allocate(static_cast<long>(size + 1000));
         editor.ClearAll();
+        // The progress shows, and the empty control paints, before the storage is sized:
+        // for a large file that alone takes a moment (the control fills it with zeros).
+        operation.Step(0);
+        // Then the control waits for the whole text: painting it between steps, while it
+        // grows by millions of lines, took most of the load's time.
+        const bool updates = editor.updatesEnabled();
+        editor.setUpdatesEnabled(false);
+        const auto restoreUpdates = qScopeGuard([&editor, updates] { editor.setUpdatesEnabled(updates); });
+        // Sized once, with room to spare: storage that is filled exactly is copied whole
+        // into a bigger one by the control.
+        editor.Allocate(static_cast<long>(size + 1000));
 
         DecodedSteps steps;
         std::thread reader(ReadAndDecode, path, encoding, bomLength, codePage, std::ref(steps));
@@ -210,10 +221,8 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
             result.lostBytes = steps.Lost();
         }
     }
-    if (result.cancelled) {
-        // Nothing of a cancelled load stays behind.
-        editor.ClearAll();
-    }
+    // A cancelled load leaves its partial text for the caller to drop with the document:
+    // clearing it here would take the control seconds, line by line, for nothing.
     editor.EmptyUndoBuffer();
     editor.SetSavePoint();
     editor.SetReadOnly(wasReadOnly);
