@@ -183,8 +183,7 @@ int DocumentRun(const QString& path, const QString& savePath)
         timer.restart();
         save = document->DoSave(savePath) ? Seconds(timer) : -1;
     }
-    std::printf("document %.3f %lld %.3f %.3f %.3f %.3f %d %lld %.3f %.3f
-", open, peak, end, type, find, save,
+    std::printf("document %.3f %lld %.3f %.3f %.3f %.3f %d %lld %.3f %.3f\n", open, peak, end, type, find, save,
                 found > 0 ? 1 : 0, PeakKb(), openCpu, typeCpu);
     document->SetModifiedFlag(false);
     return 0;
