@@ -193,12 +193,20 @@ int main(int argc, char** argv)
     probe.Start();
     QElapsedTimer total;
     total.start();
+    double keyLongest = 0, moveLongest = 0;
     for (int move = 0; move < 10; ++move) {
         const long line = (move * 97331L) % Lines;
+        QElapsedTimer moveClock;
+        moveClock.start();
         send(Sci::SCI_GOTOPOS, send(Sci::SCI_POSITIONFROMLINE, line) + (move % 2 ? 0 : 7));
+        QApplication::processEvents();
+        moveLongest = std::max(moveLongest, Ms(moveClock));
         if (move % 3 == 2) {
             for (const char c : QByteArray(words[move % 5]) + ' ') {
+                QElapsedTimer keyClock;
+                keyClock.start();
                 QTest::keyClick(&control, c);
+                keyLongest = std::max(keyLongest, Ms(keyClock));
                 QTest::qWait(120);
             }
         }
@@ -215,6 +223,8 @@ int main(int argc, char** argv)
     }
     probe.Stop();
     std::printf("\nhighlighting: 10 caret moves and 4 typed words over %.0f ms\n", double(total.elapsed()));
+    Report("Longest caret move (with its repaint)", moveLongest, TargetBlockMs);
+    Report("Longest typed key", keyLongest, TargetBlockMs);
     Report("Longest refresh of the visible lines", refreshLongest, TargetBlockMs);
     Report("Longest single step of the document-wide scan", stepLongest, TargetBlockMs);
     Report("Longest hold of the event loop, processor time", double(probe.LongestCpu()), TargetBlockMs);
