@@ -94,8 +94,7 @@ public:
             return;
         const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(*control, m_maxCarets);
         if (result.selected < result.found)
-            m_shell.ShowStatusMessage(Tr("Selected the first %1 of %2 occurrences from the caret on "
-                                         "(at most %1 carets at once); Replace reaches them all")
+            m_shell.ShowStatusMessage(Tr("Selected the first %1 of %2 occurrences; Replace reaches them all")
                                           .arg(result.selected).arg(result.found), 10000);
         else if (result.found > 1)
             m_shell.ShowStatusMessage(Tr("%1 occurrences selected").arg(result.found), 4000);

@@ -104,8 +104,7 @@ struct LimitCase
 TEST(EditingInstallLimit, SelectAllOccurrencesSaysWhenTheLimitCutItShort)
 {
     const LimitCase cases[] = {
-        {3, 3, "Selected the first 3 of 5 occurrences from the caret on (at most 3 carets at once); "
-               "Replace reaches them all"},
+        {3, 3, "Selected the first 3 of 5 occurrences; Replace reaches them all"},
         {100, 5, "5 occurrences selected"},
     };
     for (const LimitCase& c : cases) {
