@@ -7,6 +7,8 @@
 #include "framework/ThemeColours.h"
 #include "settings/CRegistryStore.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -17,6 +19,26 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <climits>
+
+namespace {
+
+// The control's own accessible text counts every character in front of the caret at each
+// repaint: most of a second per caret move near the end of a 100 MB text. With no screen
+// reader running nothing reads it, and the editor answers as a plain editable widget.
+QAccessibleInterface* PlainUnlessReaderRuns(const QString&, QObject* object)
+{
+    if (!QAccessible::isActive() && qobject_cast<CMFCScintilla*>(object))
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::EditableText);
+    return nullptr;
+}
+
+// Installed before any control exists, so that it is asked before the control's own.
+[[maybe_unused]] const bool plainAccessibleInstalled = [] {
+    QAccessible::installFactory(PlainUnlessReaderRuns);
+    return true;
+}();
+
+} // namespace
 
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
