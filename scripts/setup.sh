@@ -13,11 +13,14 @@ packages=(build-essential cmake ninja-build pkg-config ccache
           adwaita-icon-theme hicolor-icon-theme)
 
 # --fuzz also installs clang and its libFuzzer and sanitizer runtimes (scripts/run-fuzzers.sh);
+# --xwindow what the real-window checks need;
 # --install-only stops after installing. The ordinary build needs g++ alone.
 install_only=0
 while [ $# -gt 0 ]; do
     case "$1" in
         --fuzz) packages+=(clang libclang-rt-dev); shift ;;
+        # The real-window checks (tests/*/x_*.sh): a virtual display, a window manager, keys and screenshots.
+        --xwindow) packages+=(xvfb openbox xdotool imagemagick x11-utils); shift ;;
         --install-only) install_only=1; shift ;;
         *) break ;;
     esac

@@ -27,6 +27,7 @@ const QString kAutoClose = QStringLiteral("AutoClose");
 const QString kBraceIndent = QStringLiteral("AutoIndentBrace");
 const QString kAutoComplete = QStringLiteral("AutoComplete");
 const QString kHighlight = QStringLiteral("HighlightOccurrences");
+const QString kMaxCarets = QStringLiteral("MaxCarets");
 
 QString Tr(const char* text)
 {
@@ -46,12 +47,14 @@ public:
         // Off until asked for: a list that opens by itself takes Enter away from typing.
         m_autoComplete = store.GetProfileInt(kSection, kAutoComplete, 0) != 0;
         m_highlight = store.GetProfileInt(kSection, kHighlight, 1) != 0;
+        m_maxCarets = std::max(1, store.GetProfileInt(kSection, kMaxCarets, int(MultiCaret::MaxCarets)));
         connect(&shell.Events(), &CShellEvents::saveSettings, this, [this] {
             CRegistryStore out;
             out.WriteProfileInt(kSection, kAutoClose, m_autoClose ? 1 : 0);
             out.WriteProfileInt(kSection, kBraceIndent, m_braceIndent ? 1 : 0);
             out.WriteProfileInt(kSection, kAutoComplete, m_autoComplete ? 1 : 0);
             out.WriteProfileInt(kSection, kHighlight, m_highlight ? 1 : 0);
+            out.WriteProfileInt(kSection, kMaxCarets, int(m_maxCarets));
         });
         connect(&shell.Events(), &CShellEvents::frameCreated, this, &CModernEditing::Watch);
         connect(&shell.Events(), &CShellEvents::activeChildChanged, this, &CModernEditing::Watch);
@@ -89,11 +92,10 @@ public:
         QsciScintillaBase* control = Control();
         if (!control)
             return;
-        const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(*control);
-        if (result.found > 0 && !result.selected)
-            m_shell.ShowStatusMessage(
-                Tr("%1 occurrences are too many to edit at once (at most %2); use Replace instead")
-                    .arg(result.found).arg(MultiCaret::MaxCarets), 8000);
+        const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(*control, m_maxCarets);
+        if (result.selected < result.found)
+            m_shell.ShowStatusMessage(Tr("Selected the first %1 of %2 occurrences; Replace reaches them all")
+                                          .arg(result.selected).arg(result.found), 10000);
         else if (result.found > 1)
             m_shell.ShowStatusMessage(Tr("%1 occurrences selected").arg(result.found), 4000);
     }
@@ -145,6 +147,7 @@ private:
     bool m_braceIndent = true;
     bool m_autoComplete = false;
     bool m_highlight = true;
+    long m_maxCarets = MultiCaret::MaxCarets;
     CAutoCloseFilter m_filter;
     CCaretMouseFilter m_mouse;
 };

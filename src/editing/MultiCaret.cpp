@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QMouseEvent>
 
+#include <algorithm>
 #include <functional>
 #include <string_view>
 
@@ -133,31 +134,60 @@ bool SelectNextOccurrence(QsciScintillaBase& c)
 AllResult SelectAllOccurrences(QsciScintillaBase& c, long max)
 {
     const Needle needle = TakeNeedle(c);
-    if (needle.text.isEmpty())
+    if (needle.text.isEmpty() || max < 1)
         return {};
     const auto* text = reinterpret_cast<const char*>(Send(c, Sci::SCI_GETCHARACTERPOINTER));
     const QList<long> found = FindAll(text, Send(c, Sci::SCI_GETLENGTH), needle.text, needle.wholeWord);
-    AllResult result{long(found.size()), false};
-    if (found.isEmpty() || result.found > max)
-        return result;
-    // The occurrence the user started from stays the main one, so the view does not jump.
+    if (found.isEmpty())
+        return {};
+    // The occurrence the user started from stays the main one, so the view does not jump;
+    // under the limit, the run starts there and reaches back only when the end is near.
     const long mainStart = Send(c, Sci::SCI_GETSELECTIONNSTART, Send(c, Sci::SCI_GETMAINSELECTION));
+    const qsizetype at = std::lower_bound(found.begin(), found.end(), mainStart) - found.begin();
+    const qsizetype count = std::min<qsizetype>(found.size(), max);
+    const qsizetype first = std::max<qsizetype>(0, std::min(at, found.size() - count));
     const long size = needle.text.size();
-    long main = 0;
-    Send(c, Sci::SCI_SETSELECTION, found.first() + size, found.first());
-    for (qsizetype i = 1; i < found.size(); ++i) {
+    Send(c, Sci::SCI_SETSELECTION, found[first] + size, found[first]);
+    for (qsizetype i = first + 1; i < first + count; ++i)
         Send(c, Sci::SCI_ADDSELECTION, found[i] + size, found[i]);
-        if (found[i] == mainStart)
-            main = long(i);
-    }
-    Send(c, Sci::SCI_SETMAINSELECTION, main);
-    result.selected = true;
-    return result;
+    if (at < found.size() && found[at] == mainStart && at >= first && at < first + count)
+        Send(c, Sci::SCI_SETMAINSELECTION, long(at - first));
+    return {long(found.size()), long(count)};
 }
 
 } // namespace MultiCaret
 
 namespace {
+
+// Drops the empty selections (carets) from `from` to `to`, unless one is all there is.
+void DropEmptyAt(QsciScintillaBase& c, long from, long to)
+{
+    for (long i = Send(c, Sci::SCI_GETSELECTIONS) - 1; i >= 0 && Send(c, Sci::SCI_GETSELECTIONS) > 1; --i) {
+        const long start = Send(c, Sci::SCI_GETSELECTIONNSTART, i);
+        if (start == Send(c, Sci::SCI_GETSELECTIONNEND, i) && start >= from && start <= to) {
+            Send(c, Sci::SCI_DROPSELECTIONN, i);
+        }
+    }
+}
+
+bool OnlyCaretWithin(QsciScintillaBase& c, long from, long to)
+{
+    const long at = Send(c, Sci::SCI_GETSELECTIONNSTART, 0);
+    return Send(c, Sci::SCI_GETSELECTIONS) == 1 && Send(c, Sci::SCI_GETSELECTIONEMPTY) && at >= from && at <= to;
+}
+
+// Adds the word at `pos` as a selection (a caret where there is no word).
+void AddWordAt(QsciScintillaBase& c, long pos)
+{
+    const long start = Send(c, Sci::SCI_WORDSTARTPOSITION, pos, 1);
+    const long end = Send(c, Sci::SCI_WORDENDPOSITION, pos, 1);
+    DropEmptyAt(c, start, end);
+    // A lone caret in the word is the first click's own: the word replaces it.
+    if (OnlyCaretWithin(c, start, end))
+        Send(c, Sci::SCI_SETSELECTION, end, start);
+    else
+        Send(c, Sci::SCI_ADDSELECTION, end, start);
+}
 
 bool OnlyModifier(const QMouseEvent* event, Qt::KeyboardModifier wanted)
 {
@@ -181,19 +211,30 @@ bool CCaretMouseFilter::eventFilter(QObject* watched, QEvent* event)
     auto positionAt = [control, point] {
         return control->SendScintilla(Sci::SCI_POSITIONFROMPOINT, static_cast<unsigned long>(point.x()), long(point.y()));
     };
-    if (m_adding) {
-        // The selection being added follows the drag until the button comes up.
-        if (type == QEvent::MouseMove)
-            Send(*control, Sci::SCI_SETSELECTIONNCARET, Send(*control, Sci::SCI_GETMAINSELECTION), positionAt());
-        else if (type == QEvent::MouseButtonRelease)
-            m_adding = false;
+    const bool ctrlLeft = mouse->button() == Qt::LeftButton && OnlyModifier(mouse, Qt::ControlModifier);
+    // A quick second Ctrl+click arrives as a double click: the word there becomes one more
+    // selection, in place of the caret the first click of the pair added.
+    if (type == QEvent::MouseButtonDblClick && ctrlLeft) {
+        AddWordAt(*control, positionAt());
+        m_adding = false;
+        m_swallowing = true;
+        control->setFocus();
         return true;
     }
-    // A quick second Ctrl+click arrives as a double click: it adds a caret all the same.
-    const bool press = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
-    if (press && mouse->button() == Qt::LeftButton && OnlyModifier(mouse, Qt::ControlModifier)) {
+    if (m_swallowing || m_adding) {
+        // The selection being added follows the drag until the button comes up.
+        if (m_adding && type == QEvent::MouseMove)
+            Send(*control, Sci::SCI_SETSELECTIONNCARET, Send(*control, Sci::SCI_GETMAINSELECTION), positionAt());
+        else if (type == QEvent::MouseButtonRelease)
+            m_adding = m_swallowing = false;
+        return true;
+    }
+    if (type == QEvent::MouseButtonPress && ctrlLeft) {
         const long pos = positionAt();
-        Send(*control, Sci::SCI_ADDSELECTION, pos, pos);
+        // Two carets at one place would type every character twice.
+        DropEmptyAt(*control, pos, pos);
+        if (!OnlyCaretWithin(*control, pos, pos))
+            Send(*control, Sci::SCI_ADDSELECTION, pos, pos);
         m_adding = true;
         control->setFocus();
         return true;

@@ -76,10 +76,18 @@ COccurrenceHighlighter::COccurrenceHighlighter(QsciScintillaBase& control)
     connect(&control, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
         if (!m_enabled)
             return;
-        if (updated & (Sci::SC_UPDATE_CONTENT | Sci::SC_UPDATE_SELECTION))
+        // Not on every content update: the marks themselves make one, and a restarted
+        // scan of a large text would never finish.
+        if (updated & Sci::SC_UPDATE_SELECTION)
             m_pause.start();
         else if (updated & Sci::SC_UPDATE_V_SCROLL)
             MarkVisible();
+    });
+    connect(&control, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
+        if (m_enabled && (type & (Sci::SC_MOD_INSERTTEXT | Sci::SC_MOD_DELETETEXT | Sci::SC_MOD_BEFOREINSERT | Sci::SC_MOD_BEFOREDELETE))) {
+            m_textChanged = true;
+            m_pause.start();
+        }
     });
     // The strip follows the text area, which changes size as scroll bars come and go.
     control.viewport()->installEventFilter(this);
@@ -172,6 +180,13 @@ void COccurrenceHighlighter::Refresh()
         return;
     bool wholeWord = false;
     const QByteArray needle = CurrentNeedle(wholeWord);
+    // The caret moved within the same word, or on to another of its occurrences: the scan
+    // goes on as it was.
+    if (!m_textChanged && !needle.isEmpty() && needle == m_needle && wholeWord == m_wholeWord) {
+        MarkVisible();
+        return;
+    }
+    m_textChanged = false;
     // The text changed or the word did: both mean the scan starts over.
     Clear();
     m_needle = needle;

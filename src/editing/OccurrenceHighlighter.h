@@ -58,6 +58,7 @@ private:
     bool m_enabled = false;
     QByteArray m_needle;
     bool m_wholeWord = false;
+    bool m_textChanged = false;
     QList<long> m_found;
     QBitArray m_ticks;
     long m_scanPos = -1;

@@ -7,6 +7,8 @@
 #include "framework/ThemeColours.h"
 #include "settings/CRegistryStore.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -18,13 +20,33 @@
 #include <algorithm>
 #include <climits>
 
+namespace {
+
+// The control's own accessible text counts every character in front of the caret at each
+// repaint: most of a second per caret move near the end of a 100 MB text. With no screen
+// reader running nothing reads it, and the editor answers as a plain editable widget.
+QAccessibleInterface* PlainUnlessReaderRuns(const QString&, QObject* object)
+{
+    if (!QAccessible::isActive() && qobject_cast<CMFCScintilla*>(object))
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::EditableText);
+    return nullptr;
+}
+
+// Installed before any control exists, so that it is asked before the control's own.
+[[maybe_unused]] const bool plainAccessibleInstalled = [] {
+    QAccessible::installFactory(PlainUnlessReaderRuns);
+    return true;
+}();
+
+} // namespace
+
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
 {
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int position, int type) {
         if (type & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))
             m_headingsDirty = true;
-        if (m_deferredNotices && (type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE))) {
+        if ((m_deferredNotices || m_manyCarets) && (type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE))) {
             if (!m_changePending) {
                 m_changePending = true;
                 m_pendingType = (type & SC_MOD_BEFOREINSERT) ? SC_MOD_INSERTTEXT : SC_MOD_DELETETEXT;
@@ -35,6 +57,8 @@ CMFCScintilla::CMFCScintilla(QWidget* parent)
         }
     });
     connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int updated) {
+        if (updated & SC_UPDATE_SELECTION)
+            FollowCaretCount();
         if (updated & SC_UPDATE_V_SCROLL)
             m_headingsDirty = true;
         if (m_headingsDirty)
@@ -45,10 +69,28 @@ CMFCScintilla::CMFCScintilla(QWidget* parent)
 void CMFCScintilla::SetDeferredChangeNotices(bool deferred)
 {
     m_deferredNotices = deferred;
+    ApplyNoticeMask();
+}
+
+void CMFCScintilla::ApplyNoticeMask()
+{
     // Only the "before" notices reach the control's handler then: they carry no text and
     // cost it nothing.
     constexpr long announced = SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE | SC_MOD_CHANGEMARKER;
+    const bool deferred = m_deferredNotices || m_manyCarets;
     SendScintilla(SCI_SETMODEVENTMASK, static_cast<unsigned long>(deferred ? announced : long(SC_MODEVENTMASKALL)));
+}
+
+void CMFCScintilla::FollowCaretCount()
+{
+    // A key typed at many carets is one change per caret, each of which the control's own
+    // handling would pay for by counting the characters in front of it.
+    constexpr long ManyCarets = 16;
+    const bool many = SendScintilla(SCI_GETSELECTIONS) > ManyCarets;
+    if (many != m_manyCarets) {
+        m_manyCarets = many;
+        ApplyNoticeMask();
+    }
 }
 
 void CMFCScintilla::AnnounceDeferredChange()
@@ -137,7 +179,7 @@ void CMFCScintilla::Setup()
 
     SendScintilla(SCI_SETSELBACK, 1, static_cast<long>(theme.SelectionBack()));
     SendScintilla(SCI_SETSELFORE, 1, static_cast<long>(theme.SelectionText()));
-    SendScintilla(SCI_SETMODEVENTMASK, SC_MODEVENTMASKALL);
+    ApplyNoticeMask();
     // Typing, deleting and pasting into a rectangle act on every line of it.
     SendScintilla(SCI_SETADDITIONALSELECTIONTYPING, 1UL);
     SendScintilla(SCI_SETMULTIPASTE, static_cast<unsigned long>(SC_MULTIPASTE_EACH));
@@ -237,6 +279,7 @@ QMouseEvent WithRectangleModifier(const QMouseEvent* event)
 
 void CMFCScintilla::keyPressEvent(QKeyEvent* event)
 {
+    FollowCaretCount();
     // While Block Select is on, Shift with a movement key extends a rectangle.
     if (m_blockSelect && event->modifiers() == Qt::ShiftModifier) {
         int command = 0;

@@ -237,7 +237,11 @@ private:
 
     void AnnounceDeferredChange();
     void UndoRedoQuietly(unsigned int message);
+    void ApplyNoticeMask();
+    // Many carets defer change notices as a large text does, while they last.
+    void FollowCaretCount();
     bool m_deferredNotices = false;
+    bool m_manyCarets = false;
     bool m_changePending = false;
     int m_pendingType = 0;
     long m_pendingPosition = 0;

@@ -41,6 +41,7 @@ void CMFCScintilla::UndoRedoQuietly(unsigned int message)
 
 void CMFCScintilla::Cut()
 {
+    FollowCaretCount();
     SendScintilla(SCI_CUT);
 }
 
@@ -51,6 +52,7 @@ void CMFCScintilla::Copy()
 
 void CMFCScintilla::Paste()
 {
+    FollowCaretCount();
     SendScintilla(SCI_PASTE);
 }
 

@@ -3,7 +3,13 @@
 #include "CFakeShell.h"
 #include "TestSupport.h"
 
+#include "DocumentCleanup.h"
 #include "app/Subsystems.h"
+#include "editor/CMFCScintilla.h"
+#include "editor/CScrivelDoc.h"
+#include "editor/CScrivelFrame.h"
+#include "editor/CScrivelView.h"
+#include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
 #include "shell/CCommandRegistry.h"
 #include "settings/CRegistryStore.h"
@@ -13,6 +19,7 @@
 #include <QAction>
 #include <QMenu>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -83,6 +90,42 @@ TEST_F(EditingInstallTest, TypingHelpSettingsAreKeptAcrossARestart)
     EXPECT_FALSE(again.Commands().State(Cmd::EditAutoIndentBrace).checked);
     EXPECT_TRUE(again.Commands().State(Cmd::EditAutoComplete).checked);
     EXPECT_FALSE(again.Commands().State(Cmd::ViewHighlightOccurrences).checked);
+}
+
+struct LimitCase
+{
+    int maxCarets;
+    long selections;
+    const char* message;
+};
+
+// Select All Occurrences in a text view under the limit the settings give: what it selects
+// and what the status bar says.
+TEST(EditingInstallLimit, SelectAllOccurrencesSaysWhenTheLimitCutItShort)
+{
+    const LimitCase cases[] = {
+        {3, 3, "Selected the first 3 of 5 occurrences; Replace reaches them all"},
+        {100, 5, "5 occurrences selected"},
+    };
+    for (const LimitCase& c : cases) {
+        TestSupport::ClearSettings();
+        CRegistryStore().WriteProfileInt(QStringLiteral("EditSettings"), QStringLiteral("MaxCarets"), c.maxCarets);
+        CFakeShell shell;
+        InstallSubsystems(shell);
+        CDocTemplate docs(QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
+                          [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
+        CDocument* document = docs.OpenDocumentFile(QString(), false);
+        shell.AddChildFrame(document->GetFrames().first());
+        CMFCScintilla* editor = static_cast<CScrivelFrame*>(document->GetFrames().first())->GetView()->GetEditor();
+        const QByteArray text = "key key key key key";
+        editor->AddText(text.constData(), text.size());
+        editor->SendScintilla(QsciScintillaBase::SCI_GOTOPOS, 1UL);
+        shell.Commands().Execute(Cmd::EditSelectAllOccurrences);
+        EXPECT_EQ(editor->SendScintilla(QsciScintillaBase::SCI_GETSELECTIONS), c.selections) << c.maxCarets;
+        ASSERT_FALSE(shell.statusMessages.isEmpty());
+        EXPECT_EQ(shell.statusMessages.last(), QString::fromUtf8(c.message)) << c.maxCarets;
+        DocumentCleanup::DeleteAll(docs);
+    }
 }
 
 } // namespace

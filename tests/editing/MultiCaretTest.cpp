@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QTest>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 namespace {
@@ -77,23 +78,34 @@ TEST(MultiCaretSelect, ASelectionInsideAWordMatchesInsideWordsToo)
     EXPECT_EQ(Marked(bare), "[al]pha [al]phabet");
 }
 
-TEST(MultiCaretSelect, AllOccurrencesKeepsTheStartingOneMain)
+struct LimitCase
 {
-    BareControl bare{"id = id + f(id|);\nidle"};
-    const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(bare.control);
-    EXPECT_EQ(result.found, 3);
-    EXPECT_TRUE(result.selected);
-    EXPECT_EQ(Marked(bare), "[id] = [id] + f([id]);\nidle");
-    EXPECT_EQ(bare.Send(Sci::SCI_GETMAINSELECTION), 2);
-}
+    const char* text;
+    long max;
+    long found;
+    long selected;
+    const char* marked;
+    long mainStart; // where the main selection starts: the caret's own occurrence
+};
 
-TEST(MultiCaretSelect, TooManyOccurrencesLeaveTheSelectionAlone)
+TEST(MultiCaretSelect, AllOccurrencesUpToTheLimitRunFromTheCaretsOwn)
 {
-    BareControl bare{"[x] x x x"};
-    const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(bare.control, 3);
-    EXPECT_EQ(result.found, 4);
-    EXPECT_FALSE(result.selected);
-    EXPECT_EQ(bare.Send(Sci::SCI_GETSELECTIONS), 1);
+    const LimitCase cases[] = {
+        {"id = id + f(id|);\nidle", 1000, 3, 3, "[id] = [id] + f([id]);\nidle", 12},
+        {"x x |x x x", 2, 5, 2, "x x [x] [x] x", 4},
+        // Near the end the run reaches back, so the limit is used in full.
+        {"x x x x |x", 2, 5, 2, "x x x [x] [x]", 8},
+        {"x |x x", 1, 3, 1, "x [x] x", 2},
+        {"|x x x", 5, 3, 3, "[x] [x] [x]", 0},
+    };
+    for (const LimitCase& c : cases) {
+        BareControl bare{c.text};
+        const MultiCaret::AllResult result = MultiCaret::SelectAllOccurrences(bare.control, c.max);
+        EXPECT_EQ(result.found, c.found) << c.text;
+        EXPECT_EQ(result.selected, c.selected) << c.text;
+        EXPECT_EQ(Marked(bare), c.marked) << c.text;
+        EXPECT_EQ(bare.Send(Sci::SCI_GETSELECTIONNSTART, bare.Send(Sci::SCI_GETMAINSELECTION)), c.mainStart) << c.text;
+    }
 }
 
 TEST(MultiCaretSelect, NothingToFindOnBlankSpace)
@@ -154,6 +166,41 @@ TEST_F(MultiCaretEditing, BackspaceMovingAndPastingActAtEveryCaret)
     // Esc leaves the main caret alone.
     QTest::keyClick(&bare.control, Qt::Key_Escape);
     EXPECT_EQ(bare.Send(Sci::SCI_GETSELECTIONS), 1);
+}
+
+struct DoubleClickCase
+{
+    const char* text;
+    std::initializer_list<long> carets;
+    long at;
+    const char* marked;
+};
+
+// Two quick Ctrl+clicks through the window system, which makes the second one a double
+// click: the word there joins the selections and the other carets stay.
+TEST_F(MultiCaretEditing, CtrlDoubleClickAddsTheWordAndKeepsTheCarets)
+{
+    const DoubleClickCase cases[] = {
+        {"alpha beta gamma", {0}, 7, "|alpha [beta] gamma"},
+        {"one two\nthree four", {3, 16}, 10, "one| two\n[three] fo|ur"},
+        // A caret already inside the word is taken into it, not left doubled.
+        {"one two\nthree", {3, 9}, 11, "one| two\n[three]"},
+        {"solo", {2}, 1, "[solo]"},
+    };
+    QWindow* window = bare.control.window()->windowHandle();
+    ASSERT_NE(window, nullptr);
+    for (const DoubleClickCase& c : cases) {
+        Carets(c.text, c.carets);
+        const QPoint at = bare.control.viewport()->mapTo(bare.control.window(), Point(c.at));
+        QTest::mouseDClick(window, Qt::LeftButton, Qt::ControlModifier, at);
+        EXPECT_EQ(Marked(bare), c.marked) << c.text;
+    }
+    // And typing reaches each of them once.
+    Carets("alpha beta", {0});
+    QTest::mouseDClick(window, Qt::LeftButton, Qt::ControlModifier,
+                       bare.control.viewport()->mapTo(bare.control.window(), Point(8)));
+    QTest::keyClick(&bare.control, 'z');
+    EXPECT_EQ(bare.Text(), "zalpha z");
 }
 
 TEST_F(MultiCaretEditing, CtrlClickAddsACaretAndAltDragMakesARectangle)

@@ -79,6 +79,19 @@ TEST(OccurrenceHighlighter, ScansALargeDocumentInBoundedStepsAcrossChunkEdges)
     EXPECT_EQ(h.highlighter.Occurrences().size(), 200001);
     // Every share of the document has its tick in the strip.
     EXPECT_EQ(h.highlighter.Ticks().count(true), COccurrenceHighlighter::TickRows);
+
+    // Moving to another occurrence of the same word keeps the finished scan; an edit
+    // starts it over.
+    h.Send(Sci::SCI_GOTOPOS, 5 + 64 * 1000 + 61);
+    h.highlighter.Refresh();
+    EXPECT_TRUE(h.highlighter.ScanDone());
+    EXPECT_EQ(h.highlighter.Occurrences().size(), 200001);
+    h.Send(Sci::SCI_INSERTTEXT, 0, reinterpret_cast<long>("key "));
+    h.highlighter.Refresh();
+    EXPECT_FALSE(h.highlighter.ScanDone());
+    while (h.highlighter.Step()) {
+    }
+    EXPECT_EQ(h.highlighter.Occurrences().size(), 200002);
 }
 
 } // namespace

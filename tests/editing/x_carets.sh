@@ -6,15 +6,10 @@
 # Run from the project root after building morvane; DISPLAY_NUMBER picks the display.
 set -u
 . /work/shared/tools/xwindow.sh
+. "$(dirname "$0")/../e2e/x_display.sh"
 file=$E2E_DIR/demo.cpp
 printf 'int count = 0;\ncount = count + 1;\nprint(count);\nab ab ab\n' > "$file"
-if [ -n "${DISPLAY_NUMBER:-}" ]; then
-  Xvfb :$DISPLAY_NUMBER -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 & E2E_PIDS+=($!)
-  export DISPLAY=:$DISPLAY_NUMBER
-  sleep 1; openbox >/dev/null 2>&1 & E2E_PIDS+=($!); sleep 0.5
-else
-  e2e_x
-fi
+e2e_x_ours
 e2e_start "$file"
 sleep 3
 e2e_keys ctrl+Home Right Right Right Right Right

@@ -363,4 +363,38 @@ INSTANTIATE_TEST_SUITE_P(Alphas, CaretLine, ::testing::Values(
     CaretLineCase{128, 0x7FFFFF},
     CaretLineCase{0, 0xFFFFFF}));
 
+// A key typed at many carets: every line gets it, listeners hear of the change (once per
+// turn of the event loop when the carets are many), and one undo takes it all back.
+TEST_F(ScintillaOperationsTest, TypingAtManyCaretsIsAnnouncedAndUndoneAsOneStep)
+{
+    for (const int carets : {3, 200}) {
+        QByteArray text;
+        for (int i = 0; i < carets; ++i)
+            text += "line\n";
+        SetText(text);
+        m_editor->SendScintilla(Sci::SCI_SETMULTIPLESELECTION, 1UL);
+        for (int i = 0; i < carets; ++i) {
+            const long end = 5L * i + 4;
+            m_editor->SendScintilla(i ? Sci::SCI_ADDSELECTION : Sci::SCI_SETSELECTION, static_cast<unsigned long>(end), end);
+        }
+        int inserts = 0;
+        const auto connection = QObject::connect(m_editor.get(), &QsciScintillaBase::SCN_MODIFIED, [&](int, int type) {
+            if (type & Sci::SC_MOD_INSERTTEXT)
+                ++inserts;
+        });
+        QTest::keyClick(m_editor.get(), 'x');
+        QApplication::processEvents();
+        QObject::disconnect(connection);
+        EXPECT_EQ(Text(), QByteArray(text).replace("line", "linex")) << carets;
+        EXPECT_GE(inserts, 1) << carets;
+        if (carets > 100) {
+            EXPECT_LT(inserts, carets) << "announced per turn of the event loop, not per caret";
+        }
+        m_editor->Undo();
+        EXPECT_EQ(Text(), text) << carets;
+        m_editor->Redo();
+        EXPECT_EQ(Text(), QByteArray(text).replace("line", "linex")) << carets;
+    }
+}
+
 } // namespace
