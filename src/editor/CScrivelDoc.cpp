@@ -230,11 +230,6 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     m_deferredNotices = ColouringOff() || editor->GetLength() > kDeferredNoticeBytes;
     for (CMFCScintilla* view : std::as_const(m_editors))
         view->SetDeferredChangeNotices(m_deferredNotices);
-    // The control grows a full buffer by copying all of it: done now, while the file opens,
-    // instead of at the first key typed into it.
-    if (const long length = editor->GetLength(); length > kDeferredNoticeBytes)
-        editor->SendScintilla(QsciScintillaBase::SCI_ALLOCATE,
-                              static_cast<unsigned long>(length + std::min(length / 6, 64L << 20)));
 
     m_diskStamp = FileStamp::Of(path);
     ApplyParserForExtension(ExtensionOf(path));

@@ -2,6 +2,7 @@
 
 #include "TextEncoding.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace LargeFileMode {
@@ -47,6 +48,14 @@ int DocumentOptions(qint64 textBytes, bool coloured)
     if (!coloured)
         options |= StylesNone;
     return options;
+}
+
+qint64 StorageFor(qint64 textBytes)
+{
+    constexpr qint64 roomyFrom = 8LL << 20;
+    constexpr qint64 mostRoom = 64LL << 20;
+    const qint64 bytes = std::max<qint64>(textBytes, 0);
+    return bytes + (bytes > roomyFrom ? std::min(bytes / 6, mostRoom) : 1000);
 }
 
 bool HasLineLongerThan(const char* text, qint64 length, qint64 limit)

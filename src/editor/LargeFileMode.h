@@ -26,6 +26,11 @@ qint64 MaxTextBytes(qint64 fileSize, int encoding);
 // The options of a document that is to hold `textBytes` bytes of text: large text
 // storage when its positions would pass 31 bits, no style bytes when it is not coloured.
 int DocumentOptions(qint64 textBytes, bool coloured);
+// The storage to give the control for text of `textBytes` bytes read from a file: a little
+// more than the text, since storage that is filled exactly is copied whole at the next
+// key; for text past 8 MB up to a sixth more (at most 64 MB), so that typing does not grow
+// it by copying it either.
+qint64 StorageFor(qint64 textBytes);
 // Whether any line of the text is longer than `limit` bytes (line ends not counted).
 // A limit of zero or less never finds one.
 bool HasLineLongerThan(const char* text, qint64 length, qint64 limit);

@@ -1,5 +1,7 @@
 #include "TextLoader.h"
 
+#include "LargeFileMode.h"
+
 #include "CMFCScintilla.h"
 #include "EncodingReader.h"
 #include "LongOperation.h"
@@ -195,9 +197,8 @@ TextLoader::Result TextLoader::LoadInSteps(CMFCScintilla& editor, const QString&
         const bool updates = editor.updatesEnabled();
         editor.setUpdatesEnabled(false);
         const auto restoreUpdates = qScopeGuard([&editor, updates] { editor.setUpdatesEnabled(updates); });
-        // Sized once, with room to spare: storage that is filled exactly is copied whole
-        // into a bigger one by the control.
-        editor.Allocate(static_cast<long>(size + 1000));
+        // Sized once, with room to spare.
+        editor.Allocate(static_cast<long>(LargeFileMode::StorageFor(size)));
 
         DecodedSteps steps;
         std::thread reader(ReadAndDecode, path, encoding, bomLength, codePage, std::ref(steps));
@@ -256,7 +257,7 @@ TextLoader::Result TextLoader::Load(CMFCScintilla& editor, const QString& path, 
         editor.SetCodePage(int(CMFCScintilla::SC_CP_UTF8));
         // The file's size is a fair guess for decoded text too: 16-bit text shrinks when
         // it is mostly ASCII and grows when it isn't; the control grows as needed.
-        editor.Allocate(static_cast<long>(size + 1000));
+        editor.Allocate(static_cast<long>(LargeFileMode::StorageFor(size)));
         editor.ClearAll();
 
         std::vector<char> buffer(static_cast<std::size_t>(kWindow) + 1);

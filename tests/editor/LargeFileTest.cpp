@@ -340,6 +340,11 @@ TEST(LargeFileModeRules, ThresholdsOptionsAndLines)
     EXPECT_EQ(LargeFileMode::DocumentOptions(INT_MAX - 1000, true), LargeFileMode::TextLarge);
     EXPECT_GE(LargeFileMode::MaxTextBytes(1000, TextEncoding::Utf16LE), 1500);
     EXPECT_GE(LargeFileMode::MaxTextBytes(1000, TextEncoding::Ansi), 3000);
+    // Storage: a little room for small text, a sixth more for large, never over 64 MB more.
+    EXPECT_EQ(LargeFileMode::StorageFor(0), 1000);
+    EXPECT_EQ(LargeFileMode::StorageFor(8LL << 20), (8LL << 20) + 1000);
+    EXPECT_EQ(LargeFileMode::StorageFor(60LL << 20), (70LL << 20));
+    EXPECT_EQ(LargeFileMode::StorageFor(3LL << 30), (3LL << 30) + (64LL << 20));
 
     const struct { QByteArray text; qint64 limit; bool longer; } lines[] = {
         {QByteArray(10, 'a'), 10, false},
