@@ -1,5 +1,6 @@
 #include "CWorkspace.h"
 
+#include "editor/DiskSync.h"
 #include "editor/ReadableFile.h"
 
 #include <QCoreApplication>
@@ -119,12 +120,15 @@ bool CWorkspace::SaveWorkspace(const QString& path)
     QSaveFile file(m_path);
     // Where the folder cannot take a temporary file, write in place rather than not at all.
     file.setDirectWriteFallback(true);
-    bool ok = file.open(QIODevice::WriteOnly);
-    ok = ok && file.write(bytes) == bytes.size();
-    ok = ok && file.commit();
+    QString reason;
+    bool ok = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
     if (!ok) {
-        const QString reason = file.errorString();
+        reason = file.errorString();
         file.cancelWriting();
+    } else {
+        ok = CommitToDisk(file, &reason);
+    }
+    if (!ok) {
         SetModified(true);
         if (m_prompts)
             m_prompts->ShowError(Tr("Failed to save the workspace \"%1\": %2")
