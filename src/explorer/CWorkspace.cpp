@@ -9,10 +9,28 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <algorithm>
+
 namespace {
 QString Tr(const char* text)
 {
     return QCoreApplication::translate("CWorkspace", text);
+}
+
+// Reads to the end or to `limit`, in pieces: QIODevice::read(limit) would set aside
+// `limit` bytes first, whatever the file holds, and a file may grow while it is read.
+QByteArray ReadAtMost(QFile& file, qint64 limit)
+{
+    QByteArray bytes;
+    bytes.reserve(qsizetype(std::clamp<qint64>(file.size(), 0, limit)));
+    char piece[64 * 1024];
+    while (bytes.size() < limit) {
+        const qint64 n = file.read(piece, std::min<qint64>(qint64(sizeof piece), limit - bytes.size()));
+        if (n <= 0)
+            break;
+        bytes.append(piece, qsizetype(n));
+    }
+    return bytes;
 }
 } // namespace
 
@@ -63,7 +81,7 @@ bool CWorkspace::OpenWorkspace(const QString& path)
             reason = file.errorString();
     } else if (file.size() > Largest) {
         reason = Tr("The file is too large to be a workspace.");
-    } else if (bytes = file.read(Largest + 1), file.error() != QFileDevice::NoError) {
+    } else if (bytes = ReadAtMost(file, Largest + 1), file.error() != QFileDevice::NoError) {
         reason = file.errorString();
     } else if (bytes.size() > Largest) {
         reason = Tr("The file is too large to be a workspace.");
