@@ -180,37 +180,26 @@ QString ReadErrorLine(const QString& path, const QString& reason)
 
 TEST_F(FileSysModelTest, AFolderThatCannotBeReadSaysWhyAndTheRestOfTheTreeWorks)
 {
-    const struct
-    {
-        const char* reason;
-    } cases[] = {{"Permission denied"}, {"Input/output error"}, {"Too many levels of symbolic links"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.reason);
-        MakeDir(QStringLiteral("locked/sub"));
-        MakeDir(QStringLiteral("open/inner"));
-        ShowRoot();
-        m_source.refused.insert(At(QStringLiteral("locked")), QString::fromLatin1(c.reason));
-        const QModelIndex locked = Item(QStringLiteral("locked"));
-        m_model->Expand(locked);
+    MakeDir(QStringLiteral("locked/sub"));
+    MakeDir(QStringLiteral("open/inner"));
+    ShowRoot();
+    const QString reason = QStringLiteral("Input/output error");
+    m_source.refused.insert(At(QStringLiteral("locked")), reason);
+    const QModelIndex locked = Item(QStringLiteral("locked"));
+    m_model->Expand(locked);
 
-        ASSERT_EQ(m_model->rowCount(locked), 1);
-        const QModelIndex line = m_model->index(0, 0, locked);
-        const QString text = ReadErrorLine(At(QStringLiteral("locked")), QString::fromLatin1(c.reason));
-        EXPECT_EQ(line.data().toString(), text);
-        EXPECT_EQ(line.data(Qt::ToolTipRole).toString(), text);
-        EXPECT_TRUE(m_model->IsMessage(line));
-        EXPECT_FALSE(m_model->IsFolder(line));
-        EXPECT_TRUE(m_model->Path(line).isEmpty()) << "no command may act on the line";
-        EXPECT_FALSE(m_model->flags(line) & Qt::ItemIsSelectable);
-        EXPECT_FALSE(m_model->hasChildren(line));
+    ASSERT_EQ(m_model->rowCount(locked), 1);
+    const QModelIndex line = m_model->index(0, 0, locked);
+    EXPECT_EQ(line.data().toString(), ReadErrorLine(At(QStringLiteral("locked")), reason));
+    EXPECT_EQ(line.data(Qt::ToolTipRole), line.data());
+    EXPECT_TRUE(m_model->IsMessage(line));
+    EXPECT_FALSE(m_model->IsFolder(line));
+    EXPECT_TRUE(m_model->Path(line).isEmpty()) << "no command may act on the line";
+    EXPECT_FALSE(m_model->flags(line) & Qt::ItemIsSelectable);
 
-        const QModelIndex open = Item(QStringLiteral("open"));
-        m_model->Expand(open);
-        EXPECT_EQ(Names(open), QStringList{QStringLiteral("inner")});
-        m_source.refused.clear();
-        QDir(m_root).removeRecursively();
-        QDir().mkpath(m_root);
-    }
+    const QModelIndex open = Item(QStringLiteral("open"));
+    m_model->Expand(open);
+    EXPECT_EQ(Names(open), QStringList{QStringLiteral("inner")});
 }
 
 TEST_F(FileSysModelTest, AFolderThatVanishesBetweenItsButtonAndItsExpandSaysSo)
