@@ -3,7 +3,7 @@
 # total over a run of SECONDS (default 60) and the crashes found, then the number of
 # fault-injection cases of every writer and how many left the file intact.
 #
-#   scripts/reliability-figures.sh [SECONDS]
+#   scripts/reliability-figures.sh [SECONDS]      (SECONDS 0: the fault figures only)
 #
 # Fuzzing uses scripts/run-fuzzers.sh (clang, build-fuzz/); the fault cases come from the
 # ordinary build's test programs (build/, or MORVANE_BUILD_DIR), built when missing.
@@ -14,17 +14,18 @@ seconds="${1:-60}"
 build="${MORVANE_BUILD_DIR:-$here/build}"
 fuzz_build="${MORVANE_FUZZ_BUILD_DIR:-$here/build-fuzz}"
 
-"$here/scripts/run-fuzzers.sh" "$seconds" >/dev/null 2>&1
-echo "Fuzzing, ${seconds} s per target (libFuzzer, ASan+UBSan, one process):"
-printf '  %-12s %12s %14s %8s\n' target execs/s "total execs" crashes
-total_crashes=0
-while read -r name secs runs rate crashes; do
-    printf '  %-12s %12s %14s %8s\n' "$name" "$rate" "$runs" "$crashes"
-    total_crashes=$((total_crashes + crashes))
-done < "$fuzz_build/fuzz-summary.txt"
-echo "  crashes found: $total_crashes (kept under fuzz/<target>/corpus/crash-*)"
-
-echo
+if [ "$seconds" -gt 0 ]; then
+    "$here/scripts/run-fuzzers.sh" "$seconds" >/dev/null 2>&1
+    echo "Fuzzing, ${seconds} s per target (libFuzzer, ASan+UBSan, one process):"
+    printf '  %-12s %12s %14s %8s\n' target execs/s "total execs" crashes
+    total_crashes=0
+    while read -r name secs runs rate crashes; do
+        printf '  %-12s %12s %14s %8s\n' "$name" "$rate" "$runs" "$crashes"
+        total_crashes=$((total_crashes + crashes))
+    done < "$fuzz_build/fuzz-summary.txt"
+    echo "  crashes found: $total_crashes (kept under fuzz/<target>/corpus/crash-*)"
+    echo
+fi
 echo "Fault injection (every open, write, sync, rename, link, chmod and copy of a save failed in turn):"
 if [ ! -f "$build/CMakeCache.txt" ]; then
     cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null

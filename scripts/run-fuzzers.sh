@@ -8,15 +8,20 @@
 # fuzz/<target>/corpus/ as crash-<hash>, where the ordinary test suite replays it from
 # then on: fix the fault, keep the file. New inputs the fuzzer found interesting stay in
 # build-fuzz/corpus/<target>/ (pass MORVANE_FUZZ_KEEP=1 to merge them into the tree).
-# A summary line per target goes to build-fuzz/fuzz-summary.txt; scripts/fuzz-figures.sh
-# prints it as a table.
+# At the end a table gives each target's executions per second, total executions and
+# crashes found; the same figures, one line per target, go to build-fuzz/fuzz-summary.txt
+# (scripts/reliability-figures.sh reads them).
 set -uo pipefail
 
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${MORVANE_FUZZ_BUILD_DIR:-$here/build-fuzz}"
 seconds="${1:-60}"
 shift || true
-all_targets=(encoding syntax piecetable hexfind textmatch)
+# Every folder under fuzz/ holding a corpus is a target.
+all_targets=()
+for d in "$here"/fuzz/*/corpus; do
+    all_targets+=("$(basename "$(dirname "$d")")")
+done
 targets=("$@")
 [ ${#targets[@]} -eq 0 ] && targets=("${all_targets[@]}")
 
@@ -66,11 +71,21 @@ for t in "${targets[@]}"; do
         echo "   kept $(basename "$a") as ${keep#$here/}"
     done
     [ "$crashes" -gt 0 ] && status=1
-    rate=$((runs / (seconds > 0 ? seconds : 1)))
+    # libFuzzer's own rate: the run may have stopped early at a crash.
+    rate=$(grep -o 'stat::average_exec_per_sec: *[0-9]*' "$log" | tail -1 | grep -o '[0-9]*$')
+    rate=${rate:-$((runs / (seconds > 0 ? seconds : 1)))}
     echo "$t $seconds $runs $rate $crashes" >> "$summary"
     echo "   $runs runs, $rate per second, $crashes crashes (log: ${log#$here/})"
     if [ "${MORVANE_FUZZ_KEEP:-0}" = 1 ]; then
         "$build/fuzz/fuzz_$t" -merge=1 "$seeds" "$work" >/dev/null 2>&1
     fi
 done
+echo
+printf '%-12s %10s %14s %8s\n' target execs/s "total execs" crashes
+total=0
+while read -r name _ runs rate crashes; do
+    printf '%-12s %10s %14s %8s\n' "$name" "$rate" "$runs" "$crashes"
+    total=$((total + crashes))
+done < "$summary"
+echo "crashes found: $total"
 exit $status

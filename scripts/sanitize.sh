@@ -7,6 +7,7 @@
 #                                  only (what CI runs: the whole suite under the
 #                                  sanitizers does not fit CI's time on two cores)
 #   extra arguments go to ctest, e.g. scripts/sanitize.sh --core -R textio
+#   MORVANE_JOBS=N sets how many compilers and tests run at once (default: every core)
 #
 # Leaks inside the toolkit's own libraries (fonts, plugins, the platform) are listed in
 # scripts/lsan.supp; a leak of ours is never suppressed.
@@ -15,6 +16,7 @@ set -euo pipefail
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${MORVANE_ASAN_BUILD_DIR:-$here/build-asan}"
 scope=all
+jobs="${MORVANE_JOBS:-$(nproc)}"
 if [ "${1:-}" = "--core" ]; then scope=core; shift; fi
 if [ "${1:-}" = "--all" ]; then shift; fi
 
@@ -32,10 +34,10 @@ if [ ! -f "$build/CMakeCache.txt" ]; then
         -DMORVANE_BUILD_BENCH=OFF >/dev/null
 fi
 if [ "$scope" = core ]; then
-    cmake --build "$build" --parallel "$(nproc)" --target morvane_core_tests
+    cmake --build "$build" --parallel "$jobs" --target morvane_core_tests
     labels=(-L core)
 else
-    cmake --build "$build" --parallel "$(nproc)"
+    cmake --build "$build" --parallel "$jobs"
     labels=()
 fi
 
@@ -44,4 +46,4 @@ export ASAN_OPTIONS="detect_leaks=1:detect_stack_use_after_return=1${ASAN_OPTION
 export LSAN_OPTIONS="suppressions=$here/scripts/lsan.supp:print_suppressions=0${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:suppressions=$here/scripts/ubsan.supp${UBSAN_OPTIONS:+:$UBSAN_OPTIONS}"
 cd "$build"
-ctest --output-on-failure --parallel "$(nproc)" "${labels[@]}" "$@"
+ctest --output-on-failure --parallel "$jobs" "${labels[@]}" "$@"

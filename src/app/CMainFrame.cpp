@@ -81,7 +81,8 @@ bool CMainFrame::Create()
     m_mdiArea->setObjectName(QStringLiteral("MdiArea"));
     setCentralWidget(m_mdiArea);
     // The area is told of a closing sub-window through its viewport.
-    m_mdiArea->viewport()->installEventFilter(this);
+    m_mdiViewport = m_mdiArea->viewport();
+    m_mdiViewport->installEventFilter(this);
     connect(m_mdiArea, &QMdiArea::subWindowActivated, this, &CMainFrame::OnSubWindowActivated);
 
     m_events = new CShellEvents(this);
@@ -452,7 +453,7 @@ bool CMainFrame::eventFilter(QObject* watched, QEvent* event)
             m_closing = window;
             m_closingNeighbour = windows.at(index + 1 < windows.size() ? index + 1 : index - 1);
         }
-    } else if (m_mdiArea && watched == m_mdiArea->viewport() && event->type() == QEvent::ChildRemoved) {
+    } else if (watched == m_mdiViewport && event->type() == QEvent::ChildRemoved) {
         // Told when the close went through. Pointers are only compared: the child may be
         // half destroyed already.
         if (m_closing && static_cast<QChildEvent*>(event)->child() == static_cast<QObject*>(m_closing)) {

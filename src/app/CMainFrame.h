@@ -130,6 +130,8 @@ private:
     CMenuPlaces* m_menus = nullptr;
     CShellEvents* m_events = nullptr;
     QMdiArea* m_mdiArea = nullptr;
+    // Compared only: the area may be half destroyed when its viewport's last events come.
+    QObject* m_mdiViewport = nullptr;
     QList<QAction*> m_recentActions;
     QList<QAction*> m_windowListActions;
     QLabel* m_positionLabel = nullptr;

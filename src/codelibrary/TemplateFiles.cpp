@@ -1,5 +1,6 @@
 #include "codelibrary/TemplateFiles.h"
 
+#include "editor/DiskSync.h"
 #include "settings/AppPaths.h"
 #include "settings/CRegistryStore.h"
 
@@ -43,7 +44,7 @@ bool WriteTemplate(const QString& path, const QByteArray& bytes)
         file.cancelWriting();
         return false;
     }
-    return file.commit();
+    return CommitToDisk(file, nullptr);
 }
 
 Text Decode(const QByteArray& bytes)

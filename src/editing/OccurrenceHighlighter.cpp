@@ -90,7 +90,8 @@ COccurrenceHighlighter::COccurrenceHighlighter(QsciScintillaBase& control)
         }
     });
     // The strip follows the text area, which changes size as scroll bars come and go.
-    control.viewport()->installEventFilter(this);
+    m_viewport = control.viewport();
+    m_viewport->installEventFilter(this);
     Send(Sci::SCI_INDICSETSTYLE, Indicator, Sci::INDIC_ROUNDBOX);
     Send(Sci::SCI_INDICSETUNDER, Indicator, 1);
     Send(Sci::SCI_INDICSETALPHA, Indicator, 70);
@@ -135,7 +136,7 @@ void COccurrenceHighlighter::PlaceStrip()
 
 bool COccurrenceHighlighter::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_control.viewport() && m_enabled && (event->type() == QEvent::Resize || event->type() == QEvent::Show))
+    if (watched == m_viewport && m_enabled && (event->type() == QEvent::Resize || event->type() == QEvent::Show))
         PlaceStrip();
     return false;
 }

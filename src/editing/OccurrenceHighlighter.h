@@ -53,6 +53,9 @@ private:
 
     QsciScintillaBase& m_control;
     COccurrenceStrip* m_strip;
+    // Only compared with what the filter sees: asking the control for it while the
+    // control is being destroyed would call into a half-gone object.
+    QObject* m_viewport = nullptr;
     QTimer m_pause;
     QTimer m_stepper;
     bool m_enabled = false;

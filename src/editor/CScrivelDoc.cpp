@@ -86,7 +86,13 @@ CScrivelDoc::CScrivelDoc(QObject* parent)
     }
 }
 
-CScrivelDoc::~CScrivelDoc() = default;
+CScrivelDoc::~CScrivelDoc()
+{
+    // A view that outlives its document no longer reaches it to detach, so the reference
+    // taken for the text is given back here, through a view that is still there.
+    if (m_sharedDocument && !m_editors.isEmpty())
+        m_editors.first()->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, m_sharedDocument);
+}
 
 int CScrivelDoc::AttachView(CMFCScintilla* editor)
 {

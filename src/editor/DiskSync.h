@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSaveFile>
 #include <QString>
 
 #ifdef Q_OS_UNIX
@@ -31,5 +32,28 @@ inline bool SyncToDisk(int handle, QString* error)
     Q_UNUSED(handle);
     Q_UNUSED(error);
 #endif
+    return true;
+}
+
+// Finishes a QSaveFile: its bytes flushed and synced to the disk, then renamed over the
+// old file. On any failure the old file is left as it was and `error` (when given) holds
+// the reason.
+inline bool CommitToDisk(QSaveFile& file, QString* error)
+{
+    if (!file.flush()) {
+        if (error)
+            *error = file.errorString();
+        file.cancelWriting();
+        return false;
+    }
+    if (!SyncToDisk(file.handle(), error)) {
+        file.cancelWriting();
+        return false;
+    }
+    if (!file.commit()) {
+        if (error)
+            *error = file.errorString();
+        return false;
+    }
     return true;
 }

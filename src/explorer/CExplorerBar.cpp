@@ -293,11 +293,14 @@ void CExplorerBar::contextMenuEvent(QContextMenuEvent* event)
 
 bool CExplorerBar::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_tabs->tabBar() && event->type() == QEvent::ContextMenu) {
+    // The event's type first: the watched widgets still send events while they are
+    // destroyed, and comparing them through their owners or guards then casts a
+    // half-gone object.
+    if (event->type() == QEvent::ContextMenu && watched == m_tabs->tabBar()) {
         ContextMenu()->popup(static_cast<QContextMenuEvent*>(event)->globalPos());
         return true;
     }
-    if (watched == m_dock && event->type() == QEvent::Close) {
+    if (event->type() == QEvent::Close && watched == m_dock) {
         // Closing the dock by its button is the same as hiding the bar by command.
         for (auto it = m_flags.begin(); it != m_flags.end(); ++it)
             it.value() = false;

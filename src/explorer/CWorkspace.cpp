@@ -1,5 +1,6 @@
 #include "CWorkspace.h"
 
+#include "editor/DiskSync.h"
 #include "editor/ReadableFile.h"
 
 #include <QCoreApplication>
@@ -8,10 +9,28 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <algorithm>
+
 namespace {
 QString Tr(const char* text)
 {
     return QCoreApplication::translate("CWorkspace", text);
+}
+
+// Reads to the end or to `limit`, in pieces: QIODevice::read(limit) would set aside
+// `limit` bytes first, whatever the file holds, and a file may grow while it is read.
+QByteArray ReadAtMost(QFile& file, qint64 limit)
+{
+    QByteArray bytes;
+    bytes.reserve(qsizetype(std::clamp<qint64>(file.size(), 0, limit)));
+    char piece[64 * 1024];
+    while (bytes.size() < limit) {
+        const qint64 n = file.read(piece, std::min<qint64>(qint64(sizeof piece), limit - bytes.size()));
+        if (n <= 0)
+            break;
+        bytes.append(piece, qsizetype(n));
+    }
+    return bytes;
 }
 } // namespace
 
@@ -62,7 +81,7 @@ bool CWorkspace::OpenWorkspace(const QString& path)
             reason = file.errorString();
     } else if (file.size() > Largest) {
         reason = Tr("The file is too large to be a workspace.");
-    } else if (bytes = file.read(Largest + 1), file.error() != QFileDevice::NoError) {
+    } else if (bytes = ReadAtMost(file, Largest + 1), file.error() != QFileDevice::NoError) {
         reason = file.errorString();
     } else if (bytes.size() > Largest) {
         reason = Tr("The file is too large to be a workspace.");
@@ -119,12 +138,15 @@ bool CWorkspace::SaveWorkspace(const QString& path)
     QSaveFile file(m_path);
     // Where the folder cannot take a temporary file, write in place rather than not at all.
     file.setDirectWriteFallback(true);
-    bool ok = file.open(QIODevice::WriteOnly);
-    ok = ok && file.write(bytes) == bytes.size();
-    ok = ok && file.commit();
+    QString reason;
+    bool ok = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
     if (!ok) {
-        const QString reason = file.errorString();
+        reason = file.errorString();
         file.cancelWriting();
+    } else {
+        ok = CommitToDisk(file, &reason);
+    }
+    if (!ok) {
         SetModified(true);
         if (m_prompts)
             m_prompts->ShowError(Tr("Failed to save the workspace \"%1\": %2")

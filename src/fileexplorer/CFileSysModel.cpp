@@ -17,6 +17,7 @@ struct CFileSysModel::Node
     bool button = false;   // shows an expand button
     bool filled = false;   // children have been read
     bool expanded = false; // the view shows it open
+    bool message = false;  // says why the parent's children could not be read
     std::vector<std::unique_ptr<Node>> children;
 };
 
@@ -116,7 +117,7 @@ QModelIndex CFileSysModel::IndexOf(const Node* node) const
 
 QString CFileSysModel::PathOf(const Node* node) const
 {
-    if (!node || node == m_root.get())
+    if (!node || node == m_root.get() || node->message)
         return {};
     if (node->parent == m_root.get())
         return node->name;
@@ -177,8 +178,12 @@ void CFileSysModel::Fill(Node* node)
     if (!node->folder)
         return;
     std::vector<DirEntry> entries;
-    // A folder that can't be read stays empty and keeps its button.
-    if (!m_source->List(PathOf(node), m_showHidden, entries) || entries.empty())
+    QString reason;
+    if (!m_source->List(PathOf(node), m_showHidden, entries, reason)) {
+        SetReadError(node, reason);
+        return;
+    }
+    if (entries.empty())
         return;
     std::vector<std::unique_ptr<Node>> children;
     children.reserve(entries.size());
@@ -189,6 +194,38 @@ void CFileSysModel::Fill(Node* node)
     node->children = std::move(children);
     Renumber(node);
     endInsertRows();
+}
+
+void CFileSysModel::SetReadError(Node* node, const QString& reason)
+{
+    const QString text = tr("Cannot read \"%1\": %2").arg(QDir::toNativeSeparators(PathOf(node)), reason);
+    if (node->children.size() == 1 && node->children.front()->message && node->children.front()->name == text)
+        return;
+    const QModelIndex index = IndexOf(node);
+    if (!node->children.empty()) {
+        beginRemoveRows(index, 0, int(node->children.size()) - 1);
+        node->children.clear();
+        endRemoveRows();
+    }
+    auto line = std::make_unique<Node>();
+    line->name = text;
+    line->parent = node;
+    line->message = true;
+    beginInsertRows(index, 0, 0);
+    node->children.push_back(std::move(line));
+    endInsertRows();
+    node->filled = true;
+    if (!node->button) {
+        node->button = true;
+        Q_EMIT dataChanged(index, index);
+    }
+}
+
+void CFileSysModel::ShowReadError(const QModelIndex& index, const QString& reason)
+{
+    Node* node = NodeOf(index);
+    if (index.isValid() && node->folder && node->filled)
+        SetReadError(node, reason);
 }
 
 void CFileSysModel::SortChildren(Node* node)
@@ -242,8 +279,11 @@ void CFileSysModel::RefreshNode(Node* node, bool recursive)
     if (!node->filled || !node->folder)
         return;
     std::vector<DirEntry> entries;
-    m_source->List(PathOf(node), m_showHidden, entries);
-    RefreshNode(node, entries, recursive);
+    QString reason;
+    if (m_source->List(PathOf(node), m_showHidden, entries, reason))
+        RefreshNode(node, entries, recursive);
+    else
+        SetReadError(node, reason);
 }
 
 void CFileSysModel::RefreshNode(Node* node, const std::vector<DirEntry>& entries, bool recursive)
@@ -271,6 +311,8 @@ void CFileSysModel::RefreshNode(Node* node, const std::vector<DirEntry>& entries
 
     // Remove what is gone, walking from the end so that each removal leaves the rows
     // still to be visited where they were; neighbours that went together go in one step.
+    // A line saying the folder could not be read never matches a name (it holds a path
+    // separator), so a listing that succeeds takes it away here.
     const QModelIndex parentIndex = IndexOf(node);
     for (int last = int(node->children.size()) - 1; last >= 0;) {
         if (onDisk.contains(node->children[size_t(last)]->name)) {
@@ -396,6 +438,11 @@ bool CFileSysModel::IsLink(const QModelIndex& index) const
     return index.isValid() && NodeOf(index)->link;
 }
 
+bool CFileSysModel::IsMessage(const QModelIndex& index) const
+{
+    return index.isValid() && NodeOf(index)->message;
+}
+
 QModelIndex CFileSysModel::FolderOf(const QModelIndex& index) const
 {
     if (!index.isValid() || IsFolder(index))
@@ -470,6 +517,15 @@ bool CFileSysModel::hasChildren(const QModelIndex& parent) const
     return node->filled ? !node->children.empty() || (node->button && !node->expanded) : node->button;
 }
 
+Qt::ItemFlags CFileSysModel::flags(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    if (NodeOf(index)->message)
+        return Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+}
+
 QVariant CFileSysModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid())
@@ -480,6 +536,7 @@ QVariant CFileSysModel::data(const QModelIndex& index, int role) const
     case Qt::EditRole:
         return node->name;
     case Qt::ToolTipRole:
+        return node->message ? node->name : PathOf(node);
     case PathRole:
         return PathOf(node);
     case FolderRole:

@@ -47,10 +47,17 @@ public:
     void Refresh(const QModelIndex& index, bool recursive);
     // The same with the folder's entries already read (on another thread, say).
     void Refresh(const QModelIndex& index, const std::vector<DirEntry>& entries, bool recursive);
+    // The folder could not be read: its children give way to one line saying why
+    // ("Cannot read ...: <reason>"), so that it never passes for an empty folder. The
+    // line goes at the next listing that succeeds.
+    void ShowReadError(const QModelIndex& index, const QString& reason);
 
     QString Path(const QModelIndex& index) const;
     bool IsFolder(const QModelIndex& index) const;
     bool IsLink(const QModelIndex& index) const;
+    // The line that stands for a folder's children when they could not be read. It has
+    // no path and takes no command.
+    bool IsMessage(const QModelIndex& index) const;
     // The item itself when it is a folder, else its parent.
     QModelIndex FolderOf(const QModelIndex& index) const;
     // The item of `path` among the items read so far; invalid when there is none.
@@ -61,6 +68,7 @@ public:
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     bool hasChildren(const QModelIndex& parent = {}) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
 
 Q_SIGNALS:
@@ -74,6 +82,7 @@ private:
     QString PathOf(const Node* node) const;
     std::unique_ptr<Node> MakeChild(Node* parent, const DirEntry& entry, bool askContent);
     void Fill(Node* node);
+    void SetReadError(Node* node, const QString& reason);
     void SortChildren(Node* node);
     void Reset(Node* node);
     void RefreshNode(Node* node, bool recursive);

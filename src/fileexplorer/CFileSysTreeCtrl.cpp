@@ -11,10 +11,13 @@
 #include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFont>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPalette>
+#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QUrl>
 
@@ -31,6 +34,18 @@ public:
 
     QVariant data(const QModelIndex& index, int role) const override
     {
+        if (IsMessage(index)) {
+            // Set apart from the names around it: it is about the folder, not in it.
+            if (role == Qt::DecorationRole)
+                return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+            if (role == Qt::ForegroundRole)
+                return QApplication::palette().brush(QPalette::Disabled, QPalette::Text);
+            if (role == Qt::FontRole) {
+                QFont font;
+                font.setItalic(true);
+                return font;
+            }
+        }
         if (role != Qt::DecorationRole || !index.isValid())
             return CFileSysModel::data(index, role);
         if (!index.parent().isValid())
@@ -215,7 +230,7 @@ QMenu* CFileSysTreeCtrl::CreateItemMenu()
     auto* menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("FileExplorerItemMenu"));
     const QModelIndex index = SelectedIndex();
-    const bool file = index.isValid() && !m_model->IsFolder(index);
+    const bool file = index.isValid() && !m_model->IsFolder(index) && !m_model->IsMessage(index);
     auto add = [&](MenuCommand id, const QString& text, bool enabled, void (CFileSysTreeCtrl::*slot)()) {
         QAction* action = menu->addAction(text, this, slot);
         action->setData(int(id));
@@ -230,7 +245,8 @@ QMenu* CFileSysTreeCtrl::CreateItemMenu()
     add(CmdCopyPath, tr("Copy Filepath to Clipboard"), file, &CFileSysTreeCtrl::OnCopyPath);
     add(CmdOpenContainingFolder, tr("Open Containing Folder"), file, &CFileSysTreeCtrl::OnOpenContainingFolder);
     menu->addSeparator();
-    add(CmdProperties, tr("Properties"), index.isValid() && bool(m_properties), &CFileSysTreeCtrl::OnProperties);
+    add(CmdProperties, tr("Properties"), index.isValid() && !m_model->IsMessage(index) && bool(m_properties),
+        &CFileSysTreeCtrl::OnProperties);
     return menu;
 }
 
@@ -283,7 +299,7 @@ void CFileSysTreeCtrl::contextMenuEvent(QContextMenuEvent* event)
     QPoint at;
     if (event->reason() == QContextMenuEvent::Mouse) {
         index = indexAt(event->pos());
-        if (!index.isValid() || !LabelRect(index).contains(event->pos()))
+        if (!index.isValid() || m_model->IsMessage(index) || !LabelRect(index).contains(event->pos()))
             return;
         setCurrentIndex(index);
         at = event->globalPos();

@@ -2,6 +2,7 @@
 
 #include "fileexplorer/CFileSysModel.h"
 
+#include <QFileInfo>
 #include <QPromise>
 #include <QThreadPool>
 
@@ -87,7 +88,8 @@ void CFolderWatch::RefreshNow()
     QThreadPool::globalInstance()->start([promise, path, hidden] {
         Listing listing;
         listing.path = path;
-        listing.ok = CLocalDirectorySource().List(path, hidden, listing.entries);
+        listing.ok = CLocalDirectorySource().List(path, hidden, listing.entries, listing.reason);
+        listing.gone = !listing.ok && !QFileInfo::exists(path);
         promise->addResult(std::move(listing));
         promise->finish();
     });
@@ -102,7 +104,14 @@ void CFolderWatch::OnListingRead()
     // The watch may have moved on while the folder was read; then this is old news.
     if (listing.path == m_watchedPath && m_watchItem.isValid()) {
         m_refreshing = true;
-        m_model.Refresh(m_watchItem, listing.entries, false);
+        if (listing.ok) {
+            m_model.Refresh(m_watchItem, listing.entries, false);
+        } else if (listing.gone && m_watchItem.parent().isValid()) {
+            // The folder itself went: its parent's listing takes it out of the tree.
+            m_model.Refresh(m_watchItem.parent(), false);
+        } else {
+            m_model.ShowReadError(m_watchItem, listing.reason);
+        }
         m_refreshing = false;
         // The watched folder itself may have gone (renamed or deleted from outside).
         if (!m_watchItem.isValid())

@@ -50,6 +50,8 @@ private:
     {
         QString path;
         bool ok = false;
+        bool gone = false; // the folder itself no longer exists
+        QString reason;    // why it could not be read
         std::vector<DirEntry> entries;
     };
 

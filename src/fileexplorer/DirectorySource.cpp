@@ -3,6 +3,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <cerrno>
 
 #ifdef Q_OS_UNIX
 #include <dirent.h>
@@ -23,15 +24,21 @@ bool IsDotOrDotDot(const char* name)
 
 // readdir gives the entry's type without a stat for most file systems; only links and
 // file systems that leave the type unknown cost a stat, to tell folders from files.
-bool CLocalDirectorySource::List(const QString& path, bool hidden, std::vector<DirEntry>& entries)
+bool CLocalDirectorySource::List(const QString& path, bool hidden, std::vector<DirEntry>& entries, QString& reason)
 {
     entries.clear();
+    reason.clear();
     const QByteArray native = QFile::encodeName(path);
     DIR* dir = opendir(native.constData());
-    if (!dir)
+    if (!dir) {
+        reason = qt_error_string(errno);
         return false;
+    }
     const int fd = dirfd(dir);
     entries.reserve(256);
+    // readdir tells its end from an error (a failing disk, a folder removed under us on
+    // some file systems) only through errno.
+    errno = 0;
     while (const dirent* entry = readdir(dir)) {
         const char* name = entry->d_name;
         if (IsDotOrDotDot(name) || (!hidden && name[0] == '.'))
@@ -55,8 +62,15 @@ bool CLocalDirectorySource::List(const QString& path, bool hidden, std::vector<D
             out.folder = type == DT_DIR;
         }
         entries.push_back(std::move(out));
+        errno = 0;
     }
+    const int error = errno;
     closedir(dir);
+    if (error != 0) {
+        entries.clear();
+        reason = qt_error_string(error);
+        return false;
+    }
     return true;
 }
 
@@ -65,7 +79,7 @@ bool CLocalDirectorySource::HasContent(const QString& path, bool hidden)
     const QByteArray native = QFile::encodeName(path);
     DIR* dir = opendir(native.constData());
     if (!dir)
-        return false;
+        return errno != ENOENT && errno != ENOTDIR;
     bool found = false;
     while (const dirent* entry = readdir(dir)) {
         const char* name = entry->d_name;
@@ -80,11 +94,15 @@ bool CLocalDirectorySource::HasContent(const QString& path, bool hidden)
 
 #else
 
-bool CLocalDirectorySource::List(const QString& path, bool hidden, std::vector<DirEntry>& entries)
+bool CLocalDirectorySource::List(const QString& path, bool hidden, std::vector<DirEntry>& entries, QString& reason)
 {
     entries.clear();
-    if (!QFileInfo(path).isDir())
+    reason.clear();
+    const QFileInfo folder(path);
+    if (!folder.isDir() || !folder.isReadable()) {
+        reason = !folder.exists() ? qt_error_string(ENOENT) : qt_error_string(EACCES);
         return false;
+    }
     QDir::Filters filters = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System;
     if (hidden)
         filters |= QDir::Hidden;
@@ -99,6 +117,9 @@ bool CLocalDirectorySource::List(const QString& path, bool hidden, std::vector<D
 
 bool CLocalDirectorySource::HasContent(const QString& path, bool hidden)
 {
+    const QFileInfo folder(path);
+    if (folder.isDir() && !folder.isReadable())
+        return true;
     QDir::Filters filters = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System;
     if (hidden)
         filters |= QDir::Hidden;

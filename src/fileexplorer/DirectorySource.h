@@ -20,9 +20,12 @@ class IDirectorySource
 public:
     virtual ~IDirectorySource() = default;
     // The visible entries of `path` ("." and ".." never; names starting with a dot only
-    // with `hidden`). False, with `entries` empty, when the folder can't be read.
-    virtual bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries) = 0;
-    // Whether `path` holds at least one visible entry; stops at the first.
+    // with `hidden`). False, with `entries` empty and the system's reason in `reason`,
+    // when the folder can't be read, or can't be read to its end.
+    virtual bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries, QString& reason) = 0;
+    // Whether `path` holds at least one visible entry; stops at the first. A folder that
+    // exists but can't be opened counts as holding something: its expand button lets the
+    // user open it and read why it shows nothing.
     virtual bool HasContent(const QString& path, bool hidden) = 0;
 };
 
@@ -30,6 +33,6 @@ public:
 class CLocalDirectorySource : public IDirectorySource
 {
 public:
-    bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries) override;
+    bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries, QString& reason) override;
     bool HasContent(const QString& path, bool hidden) override;
 };

@@ -2,6 +2,7 @@
 
 #include "FileSearcher.h"
 #include "TextMatcher.h"
+#include "editor/DiskSync.h"
 #include "editor/EncodingReader.h"
 #include "editor/EncodingWriter.h"
 #include "editor/TextEncoding.h"
@@ -139,8 +140,14 @@ FileReplacer::Result FileReplacer::Replace(const QString& path, const FileStamp&
     if (preview.IsValid() && preview.Compare(path) != FileStamp::Change::None)
         return {Status::Changed, 0, {}};
     QSaveFile out(path);
-    if (!out.open(QIODevice::WriteOnly) || out.write(encoded) != encoded.size() || !out.commit())
-        return {Status::WriteFailed, 0, out.errorString()};
+    if (!out.open(QIODevice::WriteOnly) || out.write(encoded) != encoded.size()) {
+        const QString reason = out.errorString();
+        out.cancelWriting();
+        return {Status::WriteFailed, 0, reason};
+    }
+    QString reason;
+    if (!CommitToDisk(out, &reason))
+        return {Status::WriteFailed, 0, reason};
     result.status = Status::Replaced;
     return result;
 }

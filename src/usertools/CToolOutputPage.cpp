@@ -141,7 +141,9 @@ void CToolOutputPage::CopySelection() const
 
 bool CToolOutputPage::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_view && event->type() == QEvent::KeyPress) {
+    // The type first: comparing with the guarded view casts it, which is wrong while the
+    // view is being destroyed and still sends events.
+    if (event->type() == QEvent::KeyPress && watched == m_view) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->matches(QKeySequence::Copy)) {
             CopySelection();

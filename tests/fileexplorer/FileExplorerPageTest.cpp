@@ -13,6 +13,7 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFile>
+#include <QIcon>
 #include <QMenu>
 #include <QTest>
 #include <QUrl>
@@ -255,6 +256,24 @@ TEST_F(FileExplorerPageTest, AFileAppearingInTheSelectedItemsFolderShowsUp)
     ASSERT_TRUE(QFile::remove(m_root + QStringLiteral("/sub/inner.txt")));
     QTRY_VERIFY_WITH_TIMEOUT(!Item(QStringLiteral("sub/inner.txt")).isValid(), 1000);
     EXPECT_EQ(m_tree->Watch()->WatchedPath(), m_root + QStringLiteral("/sub"));
+}
+
+TEST_F(FileExplorerPageTest, AFolderGoneBeforeItsExpandShowsWhyAndTakesNoCommand)
+{
+    const QModelIndex sub = Item(QStringLiteral("sub"));
+    ASSERT_TRUE(QDir(m_root + QStringLiteral("/sub")).removeRecursively());
+    m_tree->expand(sub);
+
+    ASSERT_EQ(m_tree->Model()->rowCount(sub), 1);
+    const QModelIndex line = m_tree->Model()->index(0, 0, sub);
+    EXPECT_TRUE(line.data().toString().startsWith(QStringLiteral("Cannot read \"%1/sub\": ").arg(m_root)));
+    EXPECT_FALSE(line.data(Qt::DecorationRole).value<QIcon>().isNull());
+    const QPoint label = m_tree->LabelRect(line).center();
+    QTest::mouseDClick(m_tree->viewport(), Qt::LeftButton, {}, label);
+    QContextMenuEvent onLabel(QContextMenuEvent::Mouse, label, m_tree->viewport()->mapToGlobal(label));
+    QApplication::sendEvent(m_tree->viewport(), &onLabel);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_TRUE(m_shell->openedPaths.isEmpty());
 }
 
 } // namespace

@@ -6,8 +6,10 @@
 #include <QAbstractItemModelTester>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 #include <QSignalSpy>
 #include <QTest>
+#include <cerrno>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -18,14 +20,15 @@ namespace {
 class CountingSource : public IDirectorySource
 {
 public:
-    bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries) override
+    bool List(const QString& path, bool hidden, std::vector<DirEntry>& entries, QString& reason) override
     {
         listed << path;
         if (refused.contains(path)) {
             entries.clear();
+            reason = refused.value(path);
             return false;
         }
-        return m_local.List(path, hidden, entries);
+        return m_local.List(path, hidden, entries, reason);
     }
     bool HasContent(const QString& path, bool hidden) override
     {
@@ -34,7 +37,7 @@ public:
     }
     QStringList listed;
     QStringList looked;
-    QStringList refused; // read as if permission were denied
+    QHash<QString, QString> refused; // path -> the reason its listing fails with
 
 private:
     CLocalDirectorySource m_local;
@@ -169,16 +172,81 @@ TEST_F(FileSysModelTest, LinksShowWhatTheyPointToAndDanglingOnesShowAsFiles)
     EXPECT_EQ(m_model->rowCount(loop), m_model->rowCount(Top()));
 }
 
-TEST_F(FileSysModelTest, UnreadableFolderStaysEmptyAndKeepsItsButton)
+// What a folder whose listing failed shows in place of its children.
+QString ReadErrorLine(const QString& path, const QString& reason)
+{
+    return QStringLiteral("Cannot read \"%1\": %2").arg(QDir::toNativeSeparators(path), reason);
+}
+
+TEST_F(FileSysModelTest, AFolderThatCannotBeReadSaysWhyAndTheRestOfTheTreeWorks)
 {
     MakeDir(QStringLiteral("locked/sub"));
+    MakeDir(QStringLiteral("open/inner"));
     ShowRoot();
-    m_source.refused << At(QStringLiteral("locked"));
+    const QString reason = QStringLiteral("Input/output error");
+    m_source.refused.insert(At(QStringLiteral("locked")), reason);
     const QModelIndex locked = Item(QStringLiteral("locked"));
     m_model->Expand(locked);
-    m_model->Collapse(locked);
-    EXPECT_EQ(m_model->rowCount(locked), 0);
-    EXPECT_TRUE(m_model->hasChildren(locked));
+
+    ASSERT_EQ(m_model->rowCount(locked), 1);
+    const QModelIndex line = m_model->index(0, 0, locked);
+    EXPECT_EQ(line.data().toString(), ReadErrorLine(At(QStringLiteral("locked")), reason));
+    EXPECT_EQ(line.data(Qt::ToolTipRole), line.data());
+    EXPECT_TRUE(m_model->IsMessage(line));
+    EXPECT_FALSE(m_model->IsFolder(line));
+    EXPECT_TRUE(m_model->Path(line).isEmpty()) << "no command may act on the line";
+    EXPECT_FALSE(m_model->flags(line) & Qt::ItemIsSelectable);
+
+    const QModelIndex open = Item(QStringLiteral("open"));
+    m_model->Expand(open);
+    EXPECT_EQ(Names(open), QStringList{QStringLiteral("inner")});
+}
+
+TEST_F(FileSysModelTest, AFolderThatVanishesBetweenItsButtonAndItsExpandSaysSo)
+{
+    MakeDir(QStringLiteral("gone/sub"));
+    Touch(QStringLiteral("kept.txt"));
+    ShowRoot();
+    const QModelIndex gone = Item(QStringLiteral("gone"));
+    ASSERT_TRUE(m_model->hasChildren(gone));
+    ASSERT_TRUE(QDir(At(QStringLiteral("gone"))).removeRecursively());
+
+    m_model->Expand(gone);
+
+    EXPECT_EQ(Names(gone), QStringList{ReadErrorLine(At(QStringLiteral("gone")), qt_error_string(ENOENT))});
+    EXPECT_EQ(Names(Top()), (QStringList{QStringLiteral("gone"), QStringLiteral("kept.txt")}));
+    m_model->Refresh(Top(), true);
+    EXPECT_EQ(Names(Top()), QStringList{QStringLiteral("kept.txt")}) << "the next refresh of its parent drops it";
+}
+
+TEST_F(FileSysModelTest, RefreshTradesChildrenAndTheReadErrorBothWays)
+{
+    MakeDir(QStringLiteral("dir"));
+    Touch(QStringLiteral("dir/a"));
+    ShowRoot();
+    const QModelIndex dir = Item(QStringLiteral("dir"));
+    m_model->Expand(dir);
+    const QString denied = QStringLiteral("Permission denied");
+
+    m_source.refused.insert(At(QStringLiteral("dir")), denied);
+    m_model->Refresh(Top(), true);
+    EXPECT_EQ(Names(dir), QStringList{ReadErrorLine(At(QStringLiteral("dir")), denied)});
+    m_model->Refresh(Top(), true);
+    EXPECT_EQ(m_model->rowCount(dir), 1) << "a second failure does not add a second line";
+
+    m_source.refused.clear();
+    Touch(QStringLiteral("dir/b"));
+    m_model->Refresh(Top(), true);
+    EXPECT_EQ(Names(dir), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+
+    m_source.refused.insert(At(QStringLiteral("dir")), denied);
+    m_model->Refresh(dir, false);
+    m_source.refused.clear();
+    Remove(QStringLiteral("dir/a"));
+    Remove(QStringLiteral("dir/b"));
+    m_model->Refresh(dir, false);
+    EXPECT_EQ(m_model->rowCount(dir), 0);
+    EXPECT_FALSE(m_model->hasChildren(dir)) << "readable again and empty: no button";
 }
 
 TEST_F(FileSysModelTest, TheLocalSourceRefusesAFolderItMayNotRead)
@@ -188,8 +256,11 @@ TEST_F(FileSysModelTest, TheLocalSourceRefusesAFolderItMayNotRead)
     MakeDir(QStringLiteral("locked/sub"));
     ASSERT_TRUE(QFile::setPermissions(At(QStringLiteral("locked")), QFileDevice::Permissions()));
     std::vector<DirEntry> entries;
-    EXPECT_FALSE(CLocalDirectorySource().List(At(QStringLiteral("locked")), false, entries));
-    EXPECT_FALSE(CLocalDirectorySource().HasContent(At(QStringLiteral("locked")), false));
+    QString reason;
+    EXPECT_FALSE(CLocalDirectorySource().List(At(QStringLiteral("locked")), false, entries, reason));
+    EXPECT_EQ(reason, qt_error_string(EACCES));
+    EXPECT_TRUE(CLocalDirectorySource().HasContent(At(QStringLiteral("locked")), false))
+        << "its button stays, so that its expand can say why it shows nothing";
     QFile::setPermissions(At(QStringLiteral("locked")), QFileDevice::ReadOwner | QFileDevice::WriteOwner
                                                             | QFileDevice::ExeOwner);
 }
@@ -410,6 +481,14 @@ TEST_F(FolderWatchTest, ASelectionChangeMadeByTheRefreshDoesNotMoveTheWatch)
     // Later changes in the watched folder are still followed.
     Touch(QStringLiteral("dir/again"));
     QTRY_COMPARE_WITH_TIMEOUT(Names(Item(QStringLiteral("dir"))), QStringList{QStringLiteral("again")}, 1000);
+}
+
+TEST_F(FolderWatchTest, AWatchedFolderThatVanishesLeavesTheTree)
+{
+    m_watch->OnSelectionChanged(Item(QStringLiteral("dir/first.txt")));
+    ASSERT_TRUE(QDir(At(QStringLiteral("dir"))).removeRecursively());
+    QTRY_COMPARE_WITH_TIMEOUT(Names(Top()), QStringList{QStringLiteral("elsewhere")}, 1000);
+    EXPECT_TRUE(m_watch->WatchedPath().isEmpty());
 }
 
 } // namespace

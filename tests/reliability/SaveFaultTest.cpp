@@ -1,7 +1,10 @@
 // Every widget-free writer, with each file system call of its save failing in turn.
 #include "FaultSweep.h"
 
+#include "codelibrary/TemplateFiles.h"
 #include "editor/TextFile.h"
+#include "explorer/CWorkspace.h"
+#include "search/FileReplacer.h"
 #include "hex/CPieceTable.h"
 #include "syntax/CSyntaxParser.h"
 
@@ -9,6 +12,8 @@
 
 #include <QDir>
 #include <QFile>
+
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -131,6 +136,96 @@ TEST(SaveFaults, SyntaxColoursEditTheDefinitionFile)
     };
     writer.save = [&] { return parser.SaveColours(); };
     Expect("syntax colours", Sweep(writer), Call::Write);
+}
+
+TEST(SaveFaults, TemplateReplacesItsFileWhole)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = QDir(folder).filePath(QStringLiteral("Loop.cpp"));
+    writer.before = Pattern(40000, 'f');
+    writer.after = Pattern(60000, 'F');
+    writer.prepare = [&] { TestSupport::WriteFile(writer.target, writer.before); };
+    writer.save = [&] { return TemplateFiles::WriteTemplate(writer.target, writer.after); };
+    Expect("template", Sweep(writer), Call::Write);
+}
+
+TEST(SaveFaults, ReplaceInFilesLeavesTheFileWholeOrReplaced)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = QDir(folder).filePath(QStringLiteral("data.txt"));
+    for (int i = 0; i < 4000; ++i)
+        writer.before += "alpha " + QByteArray::number(i) + "\n";
+    writer.after = writer.before;
+    writer.after.replace("alpha", "omega");
+    const FileReplacer replacer(SearchQuery(QStringLiteral("alpha"), true, false, false), QStringLiteral("omega"));
+    QString reason;
+    writer.prepare = [&] { TestSupport::WriteFile(writer.target, writer.before); };
+    writer.save = [&] {
+        const FileReplacer::Result result = replacer.Replace(writer.target, FileStamp());
+        reason = result.error;
+        return result.status == FileReplacer::Status::Replaced;
+    };
+    writer.check = [&](bool ok) -> std::string {
+        return !ok && reason.isEmpty() ? "a failed replace gave no reason" : std::string();
+    };
+    Expect("replace in files", Sweep(writer), Call::Write);
+}
+
+class CountingPrompts : public IWorkspacePrompts
+{
+public:
+    bool AskSaveBeforeClose() override { return false; }
+    QString AskSavePath() override { return {}; }
+    bool ConfirmDeleteFolder() override { return false; }
+    void ShowInformation(const QString&) override {}
+    void ShowError(const QString& text) override { errors << text; }
+    QStringList errors;
+};
+
+TEST(SaveFaults, WorkspaceKeepsItsFileAndStaysModified)
+{
+    // The bytes of a workspace of many files, before and after one more is added.
+    const QString scratch = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("project.spf"));
+    CWorkspace build;
+    build.NewWorkspace(scratch);
+    for (int i = 0; i < 400; ++i)
+        build.AddFile(QStringLiteral("/src/module%1/file%1.cpp").arg(i), build.Root(), CWorkspace::TextFileImage, 0);
+    ASSERT_TRUE(build.SaveWorkspace());
+    const QByteArray before = TestSupport::ReadFile(scratch);
+    build.AddFile(QStringLiteral("/src/added.cpp"), build.Root(), CWorkspace::TextFileImage, 0);
+    ASSERT_TRUE(build.SaveWorkspace());
+
+    const QString folder = TestSupport::MakeTempDir();
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = QDir(folder).filePath(QStringLiteral("project.spf"));
+    writer.before = before;
+    writer.after = TestSupport::ReadFile(scratch);
+    std::unique_ptr<CWorkspace> workspace;
+    CountingPrompts prompts;
+    writer.prepare = [&] {
+        TestSupport::WriteFile(writer.target, writer.before);
+        workspace = std::make_unique<CWorkspace>();
+        workspace->SetPrompts(&prompts);
+        prompts.errors.clear();
+        ASSERT_TRUE(workspace->OpenWorkspace(writer.target));
+        workspace->AddFile(QStringLiteral("/src/added.cpp"), workspace->Root(), CWorkspace::TextFileImage, 0);
+    };
+    writer.save = [&] { return workspace->SaveWorkspace(); };
+    writer.check = [&](bool ok) -> std::string {
+        if (workspace->IsModified() == ok)
+            return ok ? "still modified after a save" : "no longer modified after a failed save";
+        if (ok != prompts.errors.isEmpty())
+            return ok ? "an error shown for a save that worked" : "a failed save said nothing";
+        if (!ok && !prompts.errors.first().startsWith(QStringLiteral("Failed to save the workspace \"")))
+            return "unexpected message: " + prompts.errors.first().toStdString();
+        return {};
+    };
+    Expect("workspace", Sweep(writer), Call::Write);
 }
 
 } // namespace
