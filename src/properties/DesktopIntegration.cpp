@@ -1,5 +1,7 @@
 #include "DesktopIntegration.h"
 
+#include "editor/DiskSync.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -24,12 +26,13 @@ bool WriteFile(const QString& path, const QString& text, QString* error)
         return false;
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0) {
         if (error)
             *error = file.errorString();
+        file.cancelWriting();
         return false;
     }
-    return true;
+    return CommitToDisk(file, error);
 }
 
 // The desktop's caches; without the tools the files are still found at the next login.

@@ -1,5 +1,7 @@
 #include "CRecoveryStore.h"
 
+#include "editor/DiskSync.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -52,12 +54,14 @@ QJsonObject ToJson(const RecoveryEntry& entry, const QString& textName)
 bool SaveBytes(const QString& fileName, const QByteArray& bytes, QString* error)
 {
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
         if (error)
             *error = file.errorString();
+        file.cancelWriting();
         return false;
     }
-    return true;
+    // A copy the disk never received must not replace the one it did.
+    return CommitToDisk(file, error);
 }
 
 QString TextNameIn(const QString& metaFile)
