@@ -419,6 +419,9 @@ bool CScrivelDoc::MayOverwrite(const QString& path)
     const bool wasChecking = std::exchange(m_checkingDisk, true);
     const bool overwrite = box.exec() == QMessageBox::Yes;
     m_checkingDisk = wasChecking;
+    // Either way this change has been put to the user: the check when the window is
+    // active again must not ask about it a second time, even if the save then fails.
+    m_declinedStamp = FileStamp::Of(path);
     return overwrite;
 }
 

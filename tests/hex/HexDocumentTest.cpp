@@ -9,6 +9,7 @@
 #include "hex/CHexValuesPanel.h"
 #include "hex/HexTemplate.h"
 
+#include "DocumentCleanup.h"
 #include "HexTestFile.h"
 
 #include <QCheckBox>
@@ -221,6 +222,7 @@ TEST(HexTemplate, OpensReadOnlyInAFrame)
     EXPECT_TRUE(document->IsReadOnly());
     ASSERT_EQ(document->GetFrames().size(), 1);
     EXPECT_EQ(document->GetFrames().first()->windowTitle(), QStringLiteral("disk.img [Read Only]"));
+    DocumentCleanup::DeleteAll(*docTemplate);
 }
 
 TEST(HexFindDialog, RefusesBadHexAndRemembersItsChoices)
