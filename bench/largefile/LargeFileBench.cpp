@@ -25,6 +25,9 @@
 #include <QStorageInfo>
 #include <QTemporaryDir>
 #include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
 #include <ctime>
 
 namespace {
@@ -179,12 +182,18 @@ int DocumentRun(const QString& path, const QString& savePath)
     const double find = Seconds(timer);
 
     double save = -1;
+    double again = -1;
     if (!savePath.isEmpty()) {
         timer.restart();
         save = document->DoSave(savePath) ? Seconds(timer) : -1;
+        // The first save is also the first time the system reads the text's memory; in a
+        // virtual machine that costs more than the write. A user saves again and again.
+        editor->AddText("y", 1);
+        timer.restart();
+        again = document->DoSave(savePath) ? Seconds(timer) : -1;
     }
-    std::printf("document %.3f %lld %.3f %.3f %.3f %.3f %d %lld %.3f %.3f\n", open, peak, end, type, find, save,
-                found > 0 ? 1 : 0, PeakKb(), openCpu, typeCpu);
+    std::printf("document %.3f %lld %.3f %.3f %.3f %.3f %d %lld %.3f %.3f %.3f\n", open, peak, end, type, find, save,
+                found > 0 ? 1 : 0, PeakKb(), openCpu, typeCpu, again);
     document->SetModifiedFlag(false);
     return 0;
 }
@@ -237,6 +246,19 @@ double Cp(const QString& from, const QString& to, bool durable = false)
     return seconds;
 }
 
+// Touches `bytes` of memory and gives it back. In a virtual machine the host backs the
+// guest's memory on first touch, which costs the first writer of a gigabyte about a second
+// more than any later one; warmed once, every contender below starts alike.
+void WarmMemory(qint64 bytes)
+{
+    constexpr qint64 kPiece = 256LL << 20;
+    std::vector<std::unique_ptr<char[]>> pieces;
+    for (qint64 done = 0; done < bytes; done += kPiece) {
+        pieces.push_back(std::make_unique_for_overwrite<char[]>(std::size_t(kPiece)));
+        std::memset(pieces.back().get(), 1, std::size_t(kPiece));
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -267,8 +289,10 @@ int main(int argc, char** argv)
     const QString home = dir.filePath(QStringLiteral("home"));
     QDir().mkpath(home);
 
-    // Warm the page cache the same way for every contender.
+    // Warm the page cache and the memory the same way for every contender.
+    WarmMemory(bytes * 6);
     Cp(log, dir.filePath(QStringLiteral("warm")));
+    const double cpBefore = Cp(log, dir.filePath(QStringLiteral("copy")));
     const QStringList bare = RunChild({QStringLiteral("--bare"), log}, home);
     const QStringList doc = RunChild({QStringLiteral("--document"), log, dir.filePath(QStringLiteral("saved.txt"))}, home);
     const double cp = Cp(log, dir.filePath(QStringLiteral("copy")));
@@ -276,7 +300,7 @@ int main(int argc, char** argv)
     QFile::remove(dir.filePath(QStringLiteral("saved.txt")));
     const QStringList single = RunChild({QStringLiteral("--document"), line, QString()}, home);
     const QStringList replace = RunChild({QStringLiteral("--replace")}, home);
-    if (bare.size() < 3 || doc.size() < 11 || single.size() < 11 || replace.size() < 4) {
+    if (bare.size() < 3 || doc.size() < 12 || single.size() < 11 || replace.size() < 4) {
         std::printf("a child failed\n");
         return 1;
     }
@@ -296,9 +320,12 @@ int main(int argc, char** argv)
     std::printf("  scroll to end + paint  %8.3f s\n", doc[3].toDouble());
     std::printf("  type at end + paint    %8.3f s\n", doc[4].toDouble());
     std::printf("  find word at end       %8.3f s   %.2f GB/s (target 1)\n", find, fileMb / 1024 / find);
-    std::printf("  save                   %8.3f s   cp %.3f s, ratio %.2f (target 2)\n", save, cp, save / cp);
+    std::printf("  save                   %8.3f s   cp %.3f s (%.3f s before the loads), ratio %.2f (target 2)\n",
+                save, cp, cpBefore, save / cp);
     std::printf("                                     cp + sync %.3f s, ratio %.2f (a save syncs)\n", cpSync,
                 save / cpSync);
+    std::printf("  save again             %8.3f s   ratio %.2f of cp, %.2f of cp + sync\n", doc[11].toDouble(),
+                doc[11].toDouble() / cp, doc[11].toDouble() / cpSync);
     std::printf("20 MB single line (%s)\n", "JSON-like");
     std::printf("  open + paint           %8.3f s   (target under 2 s), processor %.3f s\n", single[1].toDouble(),
                 single[9].toDouble());
