@@ -1,5 +1,7 @@
 #include "CMFCScintilla.h"
 
+#include "CColumnCounter.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
@@ -42,8 +44,11 @@ QAccessibleInterface* PlainUnlessReaderRuns(const QString&, QObject* object)
 
 CMFCScintilla::CMFCScintilla(QWidget* parent)
     : QsciScintillaBase(parent)
+    , m_columns(std::make_unique<CColumnCounter>(*this))
 {
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int position, int type) {
+        if (type & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT | SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE))
+            m_columns->Changed(position);
         if (type & (SC_MOD_INSERTTEXT | SC_MOD_DELETETEXT))
             m_headingsDirty = true;
         if ((m_deferredNotices || m_manyCarets) && (type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE))) {
@@ -65,6 +70,8 @@ CMFCScintilla::CMFCScintilla(QWidget* parent)
             DecorateHeadings();
     });
 }
+
+CMFCScintilla::~CMFCScintilla() = default;
 
 void CMFCScintilla::SetDeferredChangeNotices(bool deferred)
 {
@@ -213,7 +220,12 @@ long CMFCScintilla::GetColumn(long position) const
 {
     if (position < 0)
         position = GetCurrentPos();
-    return SendScintilla(SCI_GETCOLUMN, static_cast<unsigned long>(position));
+    return m_columns->Column(position);
+}
+
+void CMFCScintilla::ForgetColumns()
+{
+    m_columns->Forget();
 }
 
 quint32 CMFCScintilla::BlendOverBackground(quint32 colour, int alpha, quint32 background)

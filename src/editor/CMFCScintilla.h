@@ -5,9 +5,13 @@
 #include <QDateTime>
 #include <QString>
 
+#include <memory>
+
 // The editing control. Everything that talks to Scintilla goes through here: plain
 // forwards named after their messages, and the few composite operations the editor
 // needs. Positions and lengths are in bytes of the control's text.
+class CColumnCounter;
+
 class CMFCScintilla : public QsciScintillaBase
 {
     Q_OBJECT
@@ -23,6 +27,7 @@ public:
     static constexpr int HeadingIndicator = 8;
 
     explicit CMFCScintilla(QWidget* parent = nullptr);
+    ~CMFCScintilla() override;
 
     // The setup run once when a view creates its control.
     void Setup();
@@ -114,6 +119,8 @@ public:
     // Current line and column of the caret, both from 0.
     long GetCurrentLine() const;
     long GetColumn(long position = -1) const;
+    // The text was replaced without the control's notices: remembered columns are stale.
+    void ForgetColumns();
     // The current line's background: `alpha` 255 is `colour` itself, lower values mix it
     // with the text's background. Always painted behind the text.
     void SetCaretLine(bool on, quint32 colour, int alpha);
@@ -160,6 +167,10 @@ public:
     };
     // The brace before the caret, or with `sloppy` the one after it, and its partner.
     BraceMatch FindMatchingBrace(bool sloppy) const;
+    // The partner of a brace in text no lexer classes, by characters alone; -1 for none,
+    // UnknownPartner when none lies within the distance it looks.
+    static constexpr long UnknownPartner = -2;
+    long MatchPlainBrace(long brace) const;
     // Lights the brace at the caret and its partner, or marks a lone brace as bad.
     void HighlightBrace();
     void ClearBraceHighlight();
@@ -240,6 +251,8 @@ private:
     void ApplyNoticeMask();
     // Many carets defer change notices as a large text does, while they last.
     void FollowCaretCount();
+    // Columns along long lines, counted from what it remembers (GetColumn).
+    std::unique_ptr<CColumnCounter> m_columns;
     bool m_deferredNotices = false;
     bool m_manyCarets = false;
     bool m_changePending = false;

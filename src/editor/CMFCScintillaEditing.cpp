@@ -1,12 +1,14 @@
 // Editing helpers built on the messages: braces, folding, comments, bookmarks,
 // date and time, appending copies, indentation.
 #include "CMFCScintilla.h"
+#include "LongLinePieces.h"
 
 #include "framework/ThemeColours.h"
 
 #include "settings/CRegistryStore.h"
 
 #include <QApplication>
+#include <cstring>
 #include <QClipboard>
 #include <QDateTime>
 #include <QLocale>
@@ -128,10 +130,58 @@ CMFCScintilla::BraceMatch CMFCScintilla::FindMatchingBrace(bool sloppy) const
     if (match.colon) {
         const long line = LineFromPosition(match.brace);
         match.partner = GetLineEndPosition(GetLastChild(line, -1));
+    } else if (GetLexer() == SCLEX_NULL || LongLinePieces::IsPieceStyle(GetStyleAt(match.brace))) {
+        match.partner = MatchPlainBrace(match.brace);
+        if (match.partner == UnknownPartner)
+            match = BraceMatch();
     } else {
         match.partner = SendScintilla(SCI_BRACEMATCH, static_cast<unsigned long>(match.brace), 0L);
     }
     return match;
+}
+
+long CMFCScintilla::MatchPlainBrace(long brace) const
+{
+    // Far enough for any brace a person looks for; a gigabyte's worth would be a pause.
+    constexpr long Reach = 16L << 20;
+    constexpr long Chunk = 1L << 20;
+    const char open = static_cast<char>(GetCharAt(brace));
+    const char* pairs = "()[]{}";
+    const char* found = std::strchr(pairs, open);
+    if (!found || open == 0)
+        return -1;
+    const long index = found - pairs;
+    const bool forward = index % 2 == 0;
+    const char close = pairs[forward ? index + 1 : index - 1];
+    const long length = GetLength();
+    const long limit = forward ? std::min(length, brace + 1 + Reach) : std::max(0L, brace - Reach);
+    long depth = 1;
+    if (forward) {
+        for (long at = brace + 1; at < limit; at += Chunk) {
+            const long size = std::min(Chunk, limit - at);
+            const auto* text = reinterpret_cast<const char*>(
+                SendScintilla(SCI_GETRANGEPOINTER, static_cast<unsigned long>(at), size));
+            for (long i = 0; text && i < size; ++i) {
+                if (text[i] == open)
+                    ++depth;
+                else if (text[i] == close && --depth == 0)
+                    return at + i;
+            }
+        }
+        return limit == length ? -1 : UnknownPartner;
+    }
+    for (long end = brace; end > limit; end -= Chunk) {
+        const long at = std::max(limit, end - Chunk);
+        const auto* text = reinterpret_cast<const char*>(
+            SendScintilla(SCI_GETRANGEPOINTER, static_cast<unsigned long>(at), end - at));
+        for (long i = end - at - 1; text && i >= 0; --i) {
+            if (text[i] == open)
+                ++depth;
+            else if (text[i] == close && --depth == 0)
+                return at + i;
+        }
+    }
+    return limit == 0 ? -1 : UnknownPartner;
 }
 
 void CMFCScintilla::HighlightBrace()

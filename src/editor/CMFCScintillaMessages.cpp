@@ -353,6 +353,7 @@ void CMFCScintilla::ScrollCaret()
 void CMFCScintilla::SetDocPointer(void* document)
 {
     SendScintilla(SCI_SETDOCPOINTER, 0UL, document);
+    ForgetColumns();
 }
 
 long CMFCScintilla::SearchInTarget(const QByteArray& text)

@@ -536,6 +536,7 @@ void CScrivelDoc::TurnColouringOn()
     editor->AddText(text, length);
     editor->SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1UL);
     editor->SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, static_cast<unsigned long>(mask));
+    editor->ForgetColumns();
     editor->SendScintilla(QsciScintillaBase::SCI_RELEASEDOCUMENT, 0UL, old);
     editor->EmptyUndoBuffer();
     editor->SetEOLMode(eol);

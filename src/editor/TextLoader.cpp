@@ -41,6 +41,7 @@ public:
     {
         m_editor.SendScintilla(QsciScintillaBase::SCI_SETUNDOCOLLECTION, 1UL);
         m_editor.SendScintilla(QsciScintillaBase::SCI_SETMODEVENTMASK, static_cast<unsigned long>(m_mask));
+        m_editor.ForgetColumns();
     }
 
 private:

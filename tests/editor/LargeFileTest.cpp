@@ -254,6 +254,46 @@ TEST_F(LargeFileTest, LongLineIsStyledInPlainLookingPieces)
     EXPECT_EQ(allPieces(0, 5000), 0);
 }
 
+// Braces of a long line match by characters alone: the pieces alternate two styles, and a
+// matcher that compares styles counts only every other brace. The column of a position far
+// along the line is the control's, and a caret move does not count the line again.
+TEST_F(LargeFileTest, LongLineMatchesBracesAndCountsColumnsAcrossPieces)
+{
+    SetEdit("LongLineLength", 1000);
+    QByteArray text = "[";
+    for (int i = 0; text.size() < 300000; ++i)
+        text += "{\"a\":[" + QByteArray::number(i) + ",{\"b\":\"\t\xC3\xA9\"}]},";
+    text += "{}]";
+    CScrivelDoc* document = Open(Write(QStringLiteral("braces.json"), text + "\n"));
+    ASSERT_NE(document, nullptr);
+    ASSERT_EQ(document->ColouringOffReason(), CScrivelDoc::PlainReason::LongLine);
+    CMFCScintilla* editor = document->GetEditor();
+    // The partner by a plain count, from both ends of the line.
+    const std::string plain = text.toStdString();
+    const std::string opens = "[{", closes = "]}";
+    for (const long brace : {0L, long(plain.size()) - 1, 1L, 6L}) {
+        const char c = plain[size_t(brace)];
+        const bool forward = opens.find(c) != std::string::npos;
+        const char partner = forward ? closes[opens.find(c)] : opens[closes.find(c)];
+        int depth = 0;
+        long expected = -1;
+        for (long i = brace; i >= 0 && i < long(plain.size()) && expected < 0; i += forward ? 1 : -1) {
+            if (plain[size_t(i)] == c)
+                ++depth;
+            else if (plain[size_t(i)] == partner && --depth == 0)
+                expected = i;
+        }
+        ASSERT_GE(expected, 0) << brace;
+        editor->GotoPos(brace + 1);
+        const CMFCScintilla::BraceMatch match = editor->FindMatchingBrace(false);
+        EXPECT_EQ(match.brace, brace);
+        EXPECT_EQ(match.partner, expected) << brace;
+    }
+    for (const long position : {long(text.size()) - 2, 250001L, 70000L, long(text.size())})
+        EXPECT_EQ(editor->GetColumn(position),
+                  editor->SendScintilla(QsciScintillaBase::SCI_GETCOLUMN, static_cast<unsigned long>(position)));
+}
+
 // A large document's changes reach listeners (the view, recovery) once the event loop
 // comes round: one insert notice with the lines added, never one per keystroke inside
 // the control's own handling.
