@@ -1,10 +1,10 @@
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/DocumentFormat.h"
-#include "editor/TextFileDetector.h"
 #include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
 #include "framework/OpenOptions.h"
@@ -27,10 +27,7 @@ protected:
     void SetUp() override
     {
         m_dir = TestSupport::MakeTempDir();
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
         InstallDocumentFormat(m_shell);
     }
     void TearDown() override
@@ -42,11 +39,7 @@ protected:
     {
         const QString path = QDir(m_dir).filePath(name);
         TestSupport::WriteFile(path, bytes);
-        TextFileDetector probe;
-        probe.Examine(path);
-        m_options = OpenOptions();
-        m_options.encoding = probe.Encoding();
-        m_options.bomLength = probe.BomLength();
+        m_options = TextDocuments::Probed(path);
         auto* document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(path, false));
         if (document) {
             Q_EMIT m_shell.Events().documentCreated(document);

@@ -2,6 +2,8 @@
 // show with and without a text view, and what a view gets from its host.
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
+#include "MenuTexts.h"
 
 #include "editor/CEditorCommands.h"
 #include "editor/CMFCScintilla.h"
@@ -34,10 +36,7 @@ protected:
         TestSupport::ClearSettings();
         m_parsers = std::make_unique<CSyntaxParserList>(TestSupport::MakeTempDir());
         m_commands = InstallEditor(m_shell, *m_parsers);
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
         // What the main window does with every new frame.
         QObject::connect(m_template.get(), &CDocTemplate::frameCreated,
                          [this](CChildFrame* frame) { m_shell.AddChildFrame(frame); });
@@ -51,20 +50,11 @@ protected:
 
     CScrivelFrame* OpenNew()
     {
-        CDocument* document = m_template->OpenDocumentFile(QString(), false);
-        return document ? qobject_cast<CScrivelFrame*>(document->GetFrames().first()) : nullptr;
+        return TextDocuments::NewFrame(*m_template);
     }
     bool Enabled(int id) { return m_shell.Commands().State(id).enabled; }
     bool Checked(int id) { return m_shell.Commands().State(id).checked; }
-    QStringList Texts(const QString& menuId)
-    {
-        QStringList texts;
-        for (QAction* action : m_shell.Menus().Menu(menuId)->actions()) {
-            if (action->isVisible())
-                texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
-        return texts;
-    }
+    QStringList Texts(const QString& menuId) { return MenuTexts(m_shell.Menus().Menu(menuId)->actions()); }
 
     CFakeShell m_shell;
     std::unique_ptr<CSyntaxParserList> m_parsers;
@@ -177,12 +167,7 @@ TEST_F(EditorInstallTest, TheContextMenuSharesTheActionsAndKeepsItsOwnDelete)
     CScrivelFrame* frame = OpenNew();
     ASSERT_NE(frame, nullptr);
     std::unique_ptr<QMenu> menu(frame->GetView()->CreateContextMenu());
-    QStringList texts;
-    for (QAction* action : menu->actions()) {
-        if (action->isVisible())
-            texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    }
-    EXPECT_EQ(texts, (QStringList{"Undo", "Redo", "-", "Cut", "Copy", "Paste", "Delete", "-", "Cut Append",
+    EXPECT_EQ(MenuTexts(menu->actions()), (QStringList{"Undo", "Redo", "-", "Cut", "Copy", "Paste", "Delete", "-", "Cut Append",
                                   "Copy Append", "-", "Upper Case", "Lower Case", "-", "Insert", "-",
                                   "Select All", "-", "Create template from Selection"}));
     QAction* remove = nullptr;

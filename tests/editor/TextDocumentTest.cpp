@@ -4,8 +4,8 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/TextEncoding.h"
-#include "editor/TextFileDetector.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "settings/CRegistryStore.h"
 #include "DocumentCleanup.h"
 
@@ -26,10 +26,7 @@ protected:
     void SetUp() override
     {
         m_dir = TestSupport::MakeTempDir();
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
     }
 
     void TearDown() override
@@ -41,12 +38,7 @@ protected:
 
     CScrivelDoc* Open(const QString& path, OpenOptions options = OpenOptions())
     {
-        TextFileDetector probe;
-        if (probe.Examine(path) && options.encoding == Auto) {
-            options.encoding = probe.Encoding();
-            options.bomLength = probe.BomLength();
-        }
-        m_options = options;
+        m_options = TextDocuments::Probed(path, options);
         return static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(path, false));
     }
 
@@ -69,11 +61,6 @@ struct FileCase
     QByteArray bytes;
     int expectedEncoding;
 };
-
-std::ostream& operator<<(std::ostream& out, const FileCase& c)
-{
-    return out << c.name;
-}
 
 QString MultiByteText(int lines)
 {
@@ -140,7 +127,8 @@ INSTANTIATE_TEST_SUITE_P(Encodings, SaveUnchanged, ::testing::Values(
     FileCase{"one_byte", QByteArray("\xE9"), Ansi},
     FileCase{"large_utf8", Encode(kLarge, QStringConverter::Utf8, false), Utf8},
     FileCase{"large_utf16le", Encode(kLarge, QStringConverter::Utf16LE, true), Utf16LE},
-    FileCase{"large_utf16be", Encode(kLarge, QStringConverter::Utf16BE, true), Utf16BE}));
+    FileCase{"large_utf16be", Encode(kLarge, QStringConverter::Utf16BE, true), Utf16BE}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(TextDocumentTest, LargeMultiByteTextArrivesWhole)
 {

@@ -1,6 +1,7 @@
 // Every subsystem installed into one shell, as the program does: no key bound twice,
 // every command reachable from a menu, a toolbar or a frame, placeholders taken over.
 #include "CFakeShell.h"
+#include "MenuTexts.h"
 #include "shell/IExplorerPage.h"
 #include "TestSupport.h"
 
@@ -72,12 +73,7 @@ TEST_F(AllSubsystemsTest, EveryRegisteredCommandHasAPlaceInAMenu)
 
 TEST_F(AllSubsystemsTest, TheViewMenuListsViewAsTheTogglesTheFontAndTheOutputBar)
 {
-    QStringList texts;
-    for (QAction* action : m_shell.Menus().Menu(MenuId::View)->actions()) {
-        if (action->isVisible())
-            texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    }
-    EXPECT_EQ(texts, (QStringList{"View &As", "-", "&Word Wrap", "W&hitespace", "Line &Endings", "&Caret Line",
+    EXPECT_EQ(MenuTexts(m_shell.Menus().Menu(MenuId::View)->actions()), (QStringList{"View &As", "-", "&Word Wrap", "W&hitespace", "Line &Endings", "&Caret Line",
                                   "Line &Numbers", "Code Foldin&g", "&Block Select", "&Match Bracket", "Highlight Occurrences", "-",
                                   "Zoom &In", "Zoom &Out", "Reset &Zoom", "-", "&Font...", "&Theme", "-",
                                   "O&utput Bar", "File Explorer", "Project Explorer", "Code Library", "List Explorer", "E&xplorer Bar", "-", "Next &Difference", "Pre&vious Difference",
