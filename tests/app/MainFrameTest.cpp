@@ -6,7 +6,6 @@
 #include "properties/CPageGeneralMore.h"
 #include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
-#include "shell/CMenuPlaces.h"
 #include "shell/CShellEvents.h"
 
 #include <QAbstractButton>
@@ -27,7 +26,6 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
-#include <QToolBar>
 
 namespace {
 
