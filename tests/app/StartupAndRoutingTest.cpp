@@ -105,11 +105,6 @@ struct RouteCase
     bool expectHex;
 };
 
-std::ostream& operator<<(std::ostream& out, const RouteCase& c)
-{
-    return out << c.name;
-}
-
 class RouteTest : public StartupTest, public ::testing::WithParamInterface<RouteCase>
 {
 };
@@ -135,7 +130,8 @@ INSTANTIATE_TEST_SUITE_P(Modes, RouteTest, ::testing::Values(
     RouteCase{"text_forced_hex", QByteArray("plain text\n"), OpenOptions::Hex, true},
     RouteCase{"utf16_unmarked_is_text", QByteArray("a\0b\0c\0", 6), OpenOptions::Detect, false},
     RouteCase{"marked_utf8_with_zero_is_text", QByteArray("\xEF\xBB\xBF" "a\0b", 6), OpenOptions::Detect, false},
-    RouteCase{"empty_file_is_text", QByteArray(), OpenOptions::Detect, false}));
+    RouteCase{"empty_file_is_text", QByteArray(), OpenOptions::Detect, false}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(StartupTest, ForcedEncodingIsNotReplacedByTheProbe)
 {

@@ -174,9 +174,7 @@ struct ExtensionCase
     const char* extension;
 };
 
-class FilterExtension : public ::testing::TestWithParam<ExtensionCase>
-{
-};
+using FilterExtension = ::testing::TestWithParam<ExtensionCase>;
 
 TEST_P(FilterExtension, TakesTheTextAfterTheLastDot)
 {
