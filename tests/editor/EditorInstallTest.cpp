@@ -53,7 +53,6 @@ protected:
         return TextDocuments::NewFrame(*m_template);
     }
     bool Enabled(int id) { return m_shell.Commands().State(id).enabled; }
-    bool Checked(int id) { return m_shell.Commands().State(id).checked; }
     QStringList Texts(const QString& menuId) { return MenuTexts(m_shell.Menus().Menu(menuId)->actions()); }
 
     CFakeShell m_shell;
@@ -126,7 +125,7 @@ TEST_F(EditorInstallTest, EditingCommandsAreGreyedWithoutATextViewAndLiveWithOne
     EXPECT_FALSE(Enabled(Cmd::EditClear)) << "nobody carries out Delete";
 }
 
-TEST_F(EditorInstallTest, ANewViewWorksByTheShellsSettingsAndTogglesReachIt)
+TEST_F(EditorInstallTest, ANewViewWorksByTheShellsSettingsAndParsers)
 {
     m_shell.Settings().view.LineNumbers = 1;
     CScrivelFrame* frame = OpenNew();
@@ -136,30 +135,6 @@ TEST_F(EditorInstallTest, ANewViewWorksByTheShellsSettingsAndTogglesReachIt)
     EXPECT_EQ(&view->Settings(), &m_shell.Settings().view) << "one source of truth";
     EXPECT_GT(view->GetEditor()->SendScintilla(Sci::SCI_GETMARGINWIDTHN, CMFCScintilla::LineNumberMargin), 0);
     EXPECT_EQ(frame->ParserList(), m_parsers.get());
-
-    m_shell.Commands().Execute(Cmd::ViewWordWrap);
-    EXPECT_EQ(m_shell.Settings().view.WordWrap, 1);
-    EXPECT_TRUE(Checked(Cmd::ViewWordWrap));
-    EXPECT_EQ(view->GetEditor()->SendScintilla(Sci::SCI_GETWRAPMODE), Sci::SC_WRAP_WORD);
-}
-
-TEST_F(EditorInstallTest, BackAndForwardFollowTheHistoryOfTheHostsViews)
-{
-    CScrivelFrame* frame = OpenNew();
-    ASSERT_NE(frame, nullptr);
-    CMFCScintilla* editor = frame->GetView()->GetEditor();
-    for (int i = 0; i < 300; ++i)
-        editor->AddText("line\n", 5);
-    editor->GotoPos(0);
-    frame->GetView()->GotoPosition(editor->PositionFromLine(250));
-    EXPECT_TRUE(Enabled(Cmd::NavigateBack));
-    m_shell.Commands().Execute(Cmd::NavigateBack);
-    EXPECT_EQ(editor->GetCurrentPos(), 0);
-    EXPECT_FALSE(Enabled(Cmd::NavigateBack));
-    EXPECT_TRUE(Enabled(Cmd::NavigateForward));
-
-    delete frame;
-    EXPECT_EQ(m_commands->Navigation().Count(), 0) << "a view that is gone leaves no positions";
 }
 
 TEST_F(EditorInstallTest, TheContextMenuSharesTheActionsAndKeepsItsOwnDelete)
