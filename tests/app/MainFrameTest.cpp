@@ -160,10 +160,13 @@ TEST_F(MainFrameTest, CancelAtTheSavePromptLeavesModelessWindowsGoneAndSettingsW
 
     TestSupport::ModalAnswerer answerer(QMessageBox::Cancel);
     EXPECT_FALSE(Frame()->close());
-    EXPECT_EQ(answerer.Texts().size(), 1);
+    EXPECT_EQ(answerer.Texts(), QStringList{QStringLiteral("Save changes to a.txt?")});
+    EXPECT_TRUE(Frame()->isVisible()) << "Cancel keeps the program running";
     EXPECT_TRUE(modeless.isNull());
     EXPECT_EQ(SettingsFile()->value(QStringLiteral("ViewSettings/LineNumbers")).toInt(), 1);
+    EXPECT_TRUE(SettingsFile()->contains(QStringLiteral("Control Bar State/State")));
     EXPECT_TRUE(frame->GetDocument()->IsModified());
+    EXPECT_EQ(TestSupport::ReadFile(QDir(m_dir).filePath(QStringLiteral("a.txt"))), QByteArray("old\n"));
 }
 
 // Answers each save question at quit with the next button of a list, noting which

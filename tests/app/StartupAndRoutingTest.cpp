@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QTest>
 
 namespace {
@@ -167,29 +166,6 @@ TEST_F(StartupTest, OpenedFilesEnterTheRecentList)
     EXPECT_EQ(QDir::fromNativeSeparators(App()->GetRecentFiles().Files().first()), a);
     EXPECT_EQ(CRegistryStore().GetProfileString(QStringLiteral("Recent File List"), QStringLiteral("File1")),
               QDir::toNativeSeparators(a));
-}
-
-TEST_F(StartupTest, ClosingWritesTheSettingsBeforeAskingAboutChanges)
-{
-    const QString a = MakeFile(QStringLiteral("dirty.txt"), "d");
-    ASSERT_TRUE(App()->InitInstance({a}));
-    auto* document = qobject_cast<CScrivelDoc*>(Documents().first());
-    document->GetEditor()->AddText("changed ");
-    {
-        TestSupport::ModalAnswerer cancel(QMessageBox::Cancel);
-        Frame()->close();
-        EXPECT_EQ(cancel.Texts(), QStringList({QStringLiteral("Save changes to dirty.txt?")}));
-    }
-    EXPECT_TRUE(Frame()->isVisible()) << "Cancel keeps the program running";
-    QSettings file(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Brackwyn"),
-                   QStringLiteral("Morvane"));
-    EXPECT_TRUE(file.contains(QStringLiteral("ViewSettings/WordWrap")));
-    EXPECT_TRUE(file.contains(QStringLiteral("Control Bar State/State")));
-    EXPECT_EQ(TestSupport::ReadFile(a), QByteArray("d"));
-
-    TestSupport::ModalAnswerer no(QMessageBox::No);
-    EXPECT_TRUE(Frame()->close());
-    EXPECT_EQ(TestSupport::ReadFile(a), QByteArray("d")) << "No leaves the file as it was";
 }
 
 } // namespace
