@@ -113,6 +113,7 @@ struct ConvertCase
 {
     const char* name;
     int command;
+    int mode;
     const char* expected;
     const char* pane;
 };
@@ -124,21 +125,29 @@ class ConvertCommand : public DocumentFormatTest, public ::testing::WithParamInt
 TEST_P(ConvertCommand, ConvertsTheTextAndShowsTheNewMode)
 {
     const ConvertCase& c = GetParam();
-    CScrivelDoc* document = Open(QStringLiteral("mixed.txt"), "a\r\nb\nc\rd\r\n");
+    const QByteArray mixed("a\r\nb\nc\rd\r\n\n");
+    CScrivelDoc* document = Open(QStringLiteral("mixed.txt"), mixed);
     ASSERT_NE(document, nullptr);
+    CMFCScintilla* editor = document->GetEditor();
     EXPECT_TRUE(Checked(Cmd::ConvertToWindows));
     m_shell.Commands().Execute(c.command);
-    EXPECT_EQ(document->GetEditor()->GetText(), QByteArray(c.expected));
+    EXPECT_EQ(editor->GetText(), QByteArray(c.expected));
     EXPECT_EQ(Pane("LineEndingPane"), QString::fromLatin1(c.pane));
     EXPECT_TRUE(Checked(c.command));
+    EXPECT_EQ(document->LineEnding, c.mode);
+    EXPECT_EQ(editor->GetEOLMode(), c.mode) << "lines typed from now on";
+    editor->Undo();
+    EXPECT_EQ(editor->GetText(), mixed) << "one undo brings every line end back";
+    EXPECT_FALSE(document->IsModified());
+    editor->Redo();
     ASSERT_TRUE(document->DoFileSave());
     EXPECT_EQ(TestSupport::ReadFile(document->GetPathName()), QByteArray(c.expected));
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, ConvertCommand, ::testing::Values(
-    ConvertCase{"windows", Cmd::ConvertToWindows, "a\r\nb\r\nc\r\nd\r\n", "CRLF"},
-    ConvertCase{"unix", Cmd::ConvertToUnix, "a\nb\nc\nd\n", "LF"},
-    ConvertCase{"macintosh", Cmd::ConvertToMacintosh, "a\rb\rc\rd\r", "CR"}),
+    ConvertCase{"windows", Cmd::ConvertToWindows, CMFCScintilla::SC_EOL_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n", "CRLF"},
+    ConvertCase{"unix", Cmd::ConvertToUnix, CMFCScintilla::SC_EOL_LF, "a\nb\nc\nd\n\n", "LF"},
+    ConvertCase{"macintosh", Cmd::ConvertToMacintosh, CMFCScintilla::SC_EOL_CR, "a\rb\rc\rd\r\r", "CR"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(DocumentFormatTest, SubmenuOfEditHoldsTheThreeModes)

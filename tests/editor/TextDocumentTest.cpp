@@ -194,40 +194,6 @@ TEST_F(TextDocumentTest, SaveAsChangesEncodingNameAndLineEnds)
     EXPECT_EQ(TestSupport::ReadFile(other), Encode(QStringLiteral("one\r\ntwo\r\n\r\n"), QStringConverter::Utf16LE, true));
 }
 
-struct LineEndCase
-{
-    const char* name;
-    int mode;
-    const char* expected;
-};
-
-class ConvertLineEnds : public TextDocumentTest, public ::testing::WithParamInterface<LineEndCase>
-{
-};
-
-TEST_P(ConvertLineEnds, EveryLineEndAsOneUndoStep)
-{
-    const LineEndCase& c = GetParam();
-    const QByteArray mixed("a\nb\r\nc\rd\n\n");
-    const QString path = Path(QStringLiteral("mixed.txt"));
-    TestSupport::WriteFile(path, mixed);
-    CScrivelDoc* document = Open(path);
-    ASSERT_NE(document, nullptr);
-    document->ConvertLineEndings(c.mode);
-    EXPECT_EQ(Text(document), QByteArray(c.expected));
-    EXPECT_EQ(document->LineEnding, c.mode);
-    EXPECT_EQ(document->GetEditor()->GetEOLMode(), c.mode);
-    document->GetEditor()->Undo();
-    EXPECT_EQ(Text(document), mixed) << "one undo brings every line end back";
-    EXPECT_FALSE(document->IsModified());
-}
-
-INSTANTIATE_TEST_SUITE_P(Modes, ConvertLineEnds, ::testing::Values(
-    LineEndCase{"crlf", CMFCScintilla::SC_EOL_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n"},
-    LineEndCase{"cr", CMFCScintilla::SC_EOL_CR, "a\rb\rc\rd\r\r"},
-    LineEndCase{"lf", CMFCScintilla::SC_EOL_LF, "a\nb\nc\nd\n\n"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 TEST_F(TextDocumentTest, Utf8WithoutMarkKeepsItThroughSaveAsAndGainsOneOnAChange)
 {
     const QString path = Path(QStringLiteral("script.sh"));
