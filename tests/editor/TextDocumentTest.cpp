@@ -340,19 +340,6 @@ TEST_F(TextDocumentTest, FormsWeDoNotWriteOpenReadOnly)
     EXPECT_TRUE(document->GetEditor()->GetReadOnly());
 }
 
-TEST_F(TextDocumentTest, ForcedEncodingIsUsedAsGiven)
-{
-    const QString path = Path(QStringLiteral("forced.txt"));
-    const QByteArray bytes = Encode(QStringLiteral("abc"), QStringConverter::Utf16LE, false);
-    TestSupport::WriteFile(path, bytes);
-    OpenOptions options;
-    options.encoding = Ansi;
-    CScrivelDoc* document = Open(path, options);
-    ASSERT_NE(document, nullptr);
-    EXPECT_EQ(document->Encoding, Ansi);
-    EXPECT_EQ(Text(document), bytes);
-}
-
 TEST_F(TextDocumentTest, NewDocumentHasANumberedUntitledName)
 {
     auto* first = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(QString(), false));
