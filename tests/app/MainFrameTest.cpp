@@ -352,6 +352,8 @@ TEST_F(MainFrameTest, NoTwoCommandsShareAKey)
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Q")), QStringLiteral("Comment"));
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+W")), QStringLiteral("&Close"));
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+F4")), QStringLiteral("&Close"));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Shift+O")), QStringLiteral("Open as &Hex..."));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Shift+F")), QStringLiteral("Find in Files..."));
 }
 
 // Each menu's items, and the menu bar's titles, use a mnemonic letter once.
