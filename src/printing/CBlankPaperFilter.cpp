@@ -21,33 +21,32 @@ public:
 
     void updateState(const QPaintEngineState& state) override
     {
+        using State = const QPaintEngineState&;
+        // What the painter changed, passed on in the order the real painter would apply it.
+        static constexpr struct
+        {
+            DirtyFlag flag;
+            void (*pass)(QPainter&, State);
+        } kPasses[] = {
+            {DirtyPen, [](QPainter& out, State in) { out.setPen(in.pen()); }},
+            {DirtyBrush, [](QPainter& out, State in) { out.setBrush(in.brush()); }},
+            {DirtyBrushOrigin, [](QPainter& out, State in) { out.setBrushOrigin(in.brushOrigin()); }},
+            {DirtyFont, [](QPainter& out, State in) { out.setFont(in.font()); }},
+            {DirtyBackground, [](QPainter& out, State in) { out.setBackground(in.backgroundBrush()); }},
+            {DirtyBackgroundMode, [](QPainter& out, State in) { out.setBackgroundMode(in.backgroundMode()); }},
+            {DirtyTransform, [](QPainter& out, State in) { out.setTransform(in.transform()); }},
+            {DirtyClipRegion, [](QPainter& out, State in) { out.setClipRegion(in.clipRegion(), in.clipOperation()); }},
+            {DirtyClipPath, [](QPainter& out, State in) { out.setClipPath(in.clipPath(), in.clipOperation()); }},
+            {DirtyClipEnabled, [](QPainter& out, State in) { out.setClipping(in.isClipEnabled()); }},
+            {DirtyHints, [](QPainter& out, State in) { out.setRenderHints(in.renderHints(), true); }},
+            {DirtyCompositionMode, [](QPainter& out, State in) { out.setCompositionMode(in.compositionMode()); }},
+            {DirtyOpacity, [](QPainter& out, State in) { out.setOpacity(in.opacity()); }},
+        };
         const DirtyFlags flags = state.state();
-        if (flags & DirtyPen)
-            m_out.setPen(state.pen());
-        if (flags & DirtyBrush)
-            m_out.setBrush(state.brush());
-        if (flags & DirtyBrushOrigin)
-            m_out.setBrushOrigin(state.brushOrigin());
-        if (flags & DirtyFont)
-            m_out.setFont(state.font());
-        if (flags & DirtyBackground)
-            m_out.setBackground(state.backgroundBrush());
-        if (flags & DirtyBackgroundMode)
-            m_out.setBackgroundMode(state.backgroundMode());
-        if (flags & DirtyTransform)
-            m_out.setTransform(state.transform());
-        if (flags & DirtyClipRegion)
-            m_out.setClipRegion(state.clipRegion(), state.clipOperation());
-        if (flags & DirtyClipPath)
-            m_out.setClipPath(state.clipPath(), state.clipOperation());
-        if (flags & DirtyClipEnabled)
-            m_out.setClipping(state.isClipEnabled());
-        if (flags & DirtyHints)
-            m_out.setRenderHints(state.renderHints(), true);
-        if (flags & DirtyCompositionMode)
-            m_out.setCompositionMode(state.compositionMode());
-        if (flags & DirtyOpacity)
-            m_out.setOpacity(state.opacity());
+        for (const auto& step : kPasses) {
+            if (flags & step.flag)
+                step.pass(m_out, state);
+        }
     }
 
     void drawRects(const QRectF* rects, int count) override

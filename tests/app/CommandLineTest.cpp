@@ -13,9 +13,7 @@ struct LineCase
     const char* errorHas; // empty: no error
 };
 
-class CommandLineCases : public ::testing::TestWithParam<LineCase>
-{
-};
+using CommandLineCases = ::testing::TestWithParam<LineCase>;
 
 TEST_P(CommandLineCases, FilesOptionsAndMistakes)
 {

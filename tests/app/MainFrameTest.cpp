@@ -6,7 +6,6 @@
 #include "properties/CPageGeneralMore.h"
 #include "settings/CRegistryStore.h"
 #include "settings/MainFrameSettings.h"
-#include "shell/CMenuPlaces.h"
 #include "shell/CShellEvents.h"
 
 #include <QAbstractButton>
@@ -27,7 +26,6 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
-#include <QToolBar>
 
 namespace {
 
@@ -162,10 +160,13 @@ TEST_F(MainFrameTest, CancelAtTheSavePromptLeavesModelessWindowsGoneAndSettingsW
 
     TestSupport::ModalAnswerer answerer(QMessageBox::Cancel);
     EXPECT_FALSE(Frame()->close());
-    EXPECT_EQ(answerer.Texts().size(), 1);
+    EXPECT_EQ(answerer.Texts(), QStringList{QStringLiteral("Save changes to a.txt?")});
+    EXPECT_TRUE(Frame()->isVisible()) << "Cancel keeps the program running";
     EXPECT_TRUE(modeless.isNull());
     EXPECT_EQ(SettingsFile()->value(QStringLiteral("ViewSettings/LineNumbers")).toInt(), 1);
+    EXPECT_TRUE(SettingsFile()->contains(QStringLiteral("Control Bar State/State")));
     EXPECT_TRUE(frame->GetDocument()->IsModified());
+    EXPECT_EQ(TestSupport::ReadFile(QDir(m_dir).filePath(QStringLiteral("a.txt"))), QByteArray("old\n"));
 }
 
 // Answers each save question at quit with the next button of a list, noting which
@@ -351,6 +352,8 @@ TEST_F(MainFrameTest, NoTwoCommandsShareAKey)
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Q")), QStringLiteral("Comment"));
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+W")), QStringLiteral("&Close"));
     EXPECT_EQ(owners.value(QStringLiteral("Ctrl+F4")), QStringLiteral("&Close"));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Shift+O")), QStringLiteral("Open as &Hex..."));
+    EXPECT_EQ(owners.value(QStringLiteral("Ctrl+Shift+F")), QStringLiteral("Find in Files..."));
 }
 
 // Each menu's items, and the menu bar's titles, use a mnemonic letter once.

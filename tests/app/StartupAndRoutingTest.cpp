@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QTest>
 
 namespace {
@@ -105,11 +104,6 @@ struct RouteCase
     bool expectHex;
 };
 
-std::ostream& operator<<(std::ostream& out, const RouteCase& c)
-{
-    return out << c.name;
-}
-
 class RouteTest : public StartupTest, public ::testing::WithParamInterface<RouteCase>
 {
 };
@@ -135,7 +129,8 @@ INSTANTIATE_TEST_SUITE_P(Modes, RouteTest, ::testing::Values(
     RouteCase{"text_forced_hex", QByteArray("plain text\n"), OpenOptions::Hex, true},
     RouteCase{"utf16_unmarked_is_text", QByteArray("a\0b\0c\0", 6), OpenOptions::Detect, false},
     RouteCase{"marked_utf8_with_zero_is_text", QByteArray("\xEF\xBB\xBF" "a\0b", 6), OpenOptions::Detect, false},
-    RouteCase{"empty_file_is_text", QByteArray(), OpenOptions::Detect, false}));
+    RouteCase{"empty_file_is_text", QByteArray(), OpenOptions::Detect, false}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(StartupTest, ForcedEncodingIsNotReplacedByTheProbe)
 {
@@ -171,29 +166,6 @@ TEST_F(StartupTest, OpenedFilesEnterTheRecentList)
     EXPECT_EQ(QDir::fromNativeSeparators(App()->GetRecentFiles().Files().first()), a);
     EXPECT_EQ(CRegistryStore().GetProfileString(QStringLiteral("Recent File List"), QStringLiteral("File1")),
               QDir::toNativeSeparators(a));
-}
-
-TEST_F(StartupTest, ClosingWritesTheSettingsBeforeAskingAboutChanges)
-{
-    const QString a = MakeFile(QStringLiteral("dirty.txt"), "d");
-    ASSERT_TRUE(App()->InitInstance({a}));
-    auto* document = qobject_cast<CScrivelDoc*>(Documents().first());
-    document->GetEditor()->AddText("changed ");
-    {
-        TestSupport::ModalAnswerer cancel(QMessageBox::Cancel);
-        Frame()->close();
-        EXPECT_EQ(cancel.Texts(), QStringList({QStringLiteral("Save changes to dirty.txt?")}));
-    }
-    EXPECT_TRUE(Frame()->isVisible()) << "Cancel keeps the program running";
-    QSettings file(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Brackwyn"),
-                   QStringLiteral("Morvane"));
-    EXPECT_TRUE(file.contains(QStringLiteral("ViewSettings/WordWrap")));
-    EXPECT_TRUE(file.contains(QStringLiteral("Control Bar State/State")));
-    EXPECT_EQ(TestSupport::ReadFile(a), QByteArray("d"));
-
-    TestSupport::ModalAnswerer no(QMessageBox::No);
-    EXPECT_TRUE(Frame()->close());
-    EXPECT_EQ(TestSupport::ReadFile(a), QByteArray("d")) << "No leaves the file as it was";
 }
 
 } // namespace

@@ -12,7 +12,9 @@
 #include "settings/CRegistryStore.h"
 
 #include "CFakeShell.h"
+#include "MenuTexts.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -48,10 +50,7 @@ protected:
         Write(QStringLiteral("loose"), "loose text");
         CRegistryStore().WriteProfileString(QStringLiteral("TemplateSettings"), QStringLiteral("Directory"), m_dir);
 
-        m_docTemplate = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_docTemplate->SetOpenOptions(&m_options);
+        m_docTemplate = TextDocuments::MakeTemplate(&m_options);
         m_shell.newDocumentHandler = [this](int) {
             CDocument* document = m_docTemplate->OpenDocumentFile(QString(), false);
             if (document)
@@ -275,12 +274,7 @@ TEST_F(CodeLibraryTest, ContextMenuOfAnItemAndNoneOfTheBar)
 
 TEST_F(CodeLibraryTest, MenusFollowTheKindOfItem)
 {
-    auto texts = [](QMenu* menu) {
-        QStringList list;
-        for (QAction* action : menu->actions())
-            list << (action->isSeparator() ? QStringLiteral("-") : action->text());
-        return list;
-    };
+    auto texts = [](QMenu* menu) { return MenuTexts(menu->actions()); };
     Select(QStringLiteral("C++/Main"));
     std::unique_ptr<QMenu> templateMenu(m_tree->CreateItemMenu());
     EXPECT_EQ(texts(templateMenu.get()),

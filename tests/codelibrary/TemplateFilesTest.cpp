@@ -16,33 +16,26 @@ namespace {
 
 using namespace TemplateFiles;
 
-struct ReadCase
+TEST(TemplateFilesTest, ReadsUpToTheLimitAndTheFirstNul)
 {
-    const char* what;
-    QByteArray onDisk;
-    QByteArray read;
-};
-
-class ReadTemplateTest : public ::testing::TestWithParam<ReadCase>
-{
-};
-
-TEST_P(ReadTemplateTest, ReadsUpToTheLimitAndTheFirstNul)
-{
+    const struct
+    {
+        const char* what;
+        QByteArray onDisk;
+        QByteArray read;
+    } cases[] = {{"plain", "int main() {}\n", "int main() {}\n"},
+                 {"empty", "", ""},
+                 {"cut at NUL", QByteArray("head\0tail", 9), "head"},
+                 {"exactly the limit", QByteArray(250000, 'a'), QByteArray(250000, 'a')},
+                 {"beyond the limit", QByteArray(250001, 'b'), QByteArray(250000, 'b')},
+                 {"CRLF kept", "a\r\nb", "a\r\nb"}};
     const QString path = TestSupport::MakeTempDir() + QStringLiteral("/template");
-    TestSupport::WriteFile(path, GetParam().onDisk);
-    EXPECT_EQ(ReadTemplate(path), GetParam().read) << GetParam().what;
-    EXPECT_EQ(TestSupport::ReadFile(path), GetParam().onDisk) << "reading never changes the file";
+    for (const auto& c : cases) {
+        TestSupport::WriteFile(path, c.onDisk);
+        EXPECT_EQ(ReadTemplate(path), c.read) << c.what;
+        EXPECT_EQ(TestSupport::ReadFile(path), c.onDisk) << c.what << ": reading never changes the file";
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ReadTemplateTest,
-    ::testing::Values(ReadCase{"plain", "int main() {}\n", "int main() {}\n"},
-                      ReadCase{"empty", "", ""},
-                      ReadCase{"cut at NUL", QByteArray("head\0tail", 9), "head"},
-                      ReadCase{"exactly the limit", QByteArray(250000, 'a'), QByteArray(250000, 'a')},
-                      ReadCase{"beyond the limit", QByteArray(250001, 'b'), QByteArray(250000, 'b')},
-                      ReadCase{"CRLF kept", "a\r\nb", "a\r\nb"}));
 
 TEST(TemplateFilesTest, ReadingWhatIsNotThereGivesNothing)
 {
@@ -113,9 +106,7 @@ struct RenameCase
     bool ok;
 };
 
-class RenameTest : public ::testing::TestWithParam<RenameCase>
-{
-};
+using RenameTest = ::testing::TestWithParam<RenameCase>;
 
 TEST_P(RenameTest, NeverReplacesWhatIsThere)
 {
@@ -217,9 +208,7 @@ struct NameCase
     bool revert;
 };
 
-class TemplateNameTest : public ::testing::TestWithParam<NameCase>
-{
-};
+using TemplateNameTest = ::testing::TestWithParam<NameCase>;
 
 TEST_P(TemplateNameTest, RefusesWhatCannotEndAFileName)
 {

@@ -115,9 +115,7 @@ std::pair<std::string, std::string> RandomPair(std::mt19937& rng, int lines, int
     return {Join(a), Join(b)};
 }
 
-class LineDiffOracle : public ::testing::TestWithParam<CLineDiff::Method>
-{
-};
+using LineDiffOracle = ::testing::TestWithParam<CLineDiff::Method>;
 
 TEST_P(LineDiffOracle, AdversarialInputs)
 {
@@ -182,9 +180,7 @@ TEST(LineDiffTest, MyersIsMinimalBelowItsCostLimit)
     }
 }
 
-class AnchoredMethods : public ::testing::TestWithParam<CLineDiff::Method>
-{
-};
+using AnchoredMethods = ::testing::TestWithParam<CLineDiff::Method>;
 
 TEST_P(AnchoredMethods, StayCloseToMinimal)
 {

@@ -65,11 +65,6 @@ struct TypingCase
     QString atEnd;     // typed after Ctrl+End and Enter
 };
 
-std::ostream& operator<<(std::ostream& out, const TypingCase& c)
-{
-    return out << c.name;
-}
-
 const QString kUnicodeText = QStringLiteral("Grüße aus Köln\u00A0— 世界 \U0001F600 ok%1second line ñ€%1"
                                             "\u05E9\u05DC\u05D5\u05DD last");
 // Typed text stays in the basic plane: the control takes one character per key press;
@@ -149,11 +144,6 @@ struct SaveAsCase
     Form to;
     int toCode;
 };
-
-std::ostream& operator<<(std::ostream& out, const SaveAsCase& c)
-{
-    return out << c.name;
-}
 
 const SaveAsCase kSaveAsCases[] = {
     {"Utf8ToUtf16LE", Form::Utf8, Form::Utf16LE, TextEncoding::Utf16LE},

@@ -27,11 +27,6 @@ struct ToggleCase
     bool (*shownIn)(CMFCScintilla* editor);
 };
 
-std::ostream& operator<<(std::ostream& out, const ToggleCase& c)
-{
-    return out << c.name;
-}
-
 bool Wraps(CMFCScintilla* e)
 {
     return e->SendScintilla(QsciScintillaBase::SCI_GETWRAPMODE) != QsciScintillaBase::SC_WRAP_NONE;
@@ -126,50 +121,27 @@ TEST_P(ViewToggles, SurviveAClosedAndRestartedProgramThroughTheSettingsFile)
 INSTANTIATE_TEST_SUITE_P(EachToggle, ViewToggles, ::testing::ValuesIn(kToggles),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(E2eFixture, NewViewsOpenedAfterAToggleShowIt)
+// Yes saves the typed text, No leaves the file alone; the settings are written either way.
+TEST_F(E2eFixture, ClosingWithUnsavedWorkAsksOnceAndTheAnswerDecidesTheFile)
 {
-    ASSERT_TRUE(App()->InitInstance({}));
-    Frame()->Action(Cmd::ViewWordWrap)->trigger();
-    Frame()->Action(Cmd::ViewLineNumbers)->trigger();
-    Settle();
-    const QString path = MakeFile(QStringLiteral("later.txt"), "opened after the toggles\n");
-    CChildFrame* child = OpenRouted(path);
-    ASSERT_NE(child, nullptr);
-    EXPECT_TRUE(Wraps(EditorOf(child)));
-    EXPECT_TRUE(NumbersShown(EditorOf(child)));
-}
-
-TEST_F(E2eFixture, ClosingWithUnsavedWorkAndAnsweringYesSavesItBeforeTheSettings)
-{
-    const QString path = MakeFile(QStringLiteral("unsaved.txt"), "abc");
-    ASSERT_TRUE(App()->InitInstance({path}));
-    Settle();
-    CMFCScintilla* editor = EditorOf(Frame()->ActiveChild());
-    ASSERT_NE(editor, nullptr);
-    QTest::keyClick(editor, Qt::Key_End, Qt::ControlModifier);
-    QTest::keyClicks(editor, QStringLiteral("def"));
-    Frame()->Action(Cmd::ViewWordWrap)->trigger();
-    m_answerer = std::make_unique<TestSupport::ModalAnswerer>(QMessageBox::Yes);
-    Frame()->close();
-    Settle();
-    EXPECT_EQ(Messages().size(), 1) << "one question about the one modified file";
-    EXPECT_TRUE(SameBytes(TestSupport::ReadFile(path), QByteArray("abcdef")));
-    EXPECT_EQ(SavedValue(QStringLiteral("ViewSettings/WordWrap")).toInt(), 1);
-}
-
-TEST_F(E2eFixture, ClosingWithUnsavedWorkAndAnsweringNoLeavesTheFileAlone)
-{
-    const QString path = MakeFile(QStringLiteral("unsaved.txt"), "abc");
-    ASSERT_TRUE(App()->InitInstance({path}));
-    Settle();
-    CMFCScintilla* editor = EditorOf(Frame()->ActiveChild());
-    ASSERT_NE(editor, nullptr);
-    QTest::keyClicks(editor, QStringLiteral("xyz"));
-    m_answerer = std::make_unique<TestSupport::ModalAnswerer>(QMessageBox::No);
-    Frame()->close();
-    Settle();
-    EXPECT_EQ(Messages().size(), 1);
-    EXPECT_TRUE(SameBytes(TestSupport::ReadFile(path), QByteArray("abc")));
+    for (const auto& [answer, after] : {std::pair{QMessageBox::Yes, "abcdef"}, std::pair{QMessageBox::No, "abc"}}) {
+        App()->Shutdown();
+        TestSupport::ClearSettings();
+        const QString path = MakeFile(QStringLiteral("unsaved.txt"), "abc");
+        ASSERT_TRUE(App()->InitInstance({path}));
+        Settle();
+        CMFCScintilla* editor = EditorOf(Frame()->ActiveChild());
+        ASSERT_NE(editor, nullptr);
+        QTest::keyClick(editor, Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("def"));
+        Frame()->Action(Cmd::ViewWordWrap)->trigger();
+        m_answerer = std::make_unique<TestSupport::ModalAnswerer>(answer);
+        Frame()->close();
+        Settle();
+        EXPECT_EQ(Messages().size(), 1) << "one question about the one modified file";
+        EXPECT_TRUE(SameBytes(TestSupport::ReadFile(path), QByteArray(after)));
+        EXPECT_EQ(SavedValue(QStringLiteral("ViewSettings/WordWrap")).toInt(), 1);
+    }
 }
 
 } // namespace

@@ -50,11 +50,6 @@ const Sample kSamples[] = {
     {".yml", "# conf\nname: x\ncount: 42\nlist:\n  - a\n"},
 };
 
-std::ostream& operator<<(std::ostream& out, const Sample& s)
-{
-    return out << s.extension;
-}
-
 class ShippedLanguages : public E2eFixture, public ::testing::WithParamInterface<Sample>
 {
 };

@@ -18,11 +18,7 @@ struct TypingCase
     const char* lexer = nullptr;
 };
 
-void PrintTo(const TypingCase& c, std::ostream* os) { *os << c.name; }
-
-class AutoCloseTyping : public ::testing::TestWithParam<TypingCase>
-{
-};
+using AutoCloseTyping = ::testing::TestWithParam<TypingCase>;
 
 void Type(QsciScintillaBase& control, const char* keys)
 {

@@ -20,11 +20,7 @@ struct LineCase
     const char* selected; // nullptr: not checked
 };
 
-void PrintTo(const LineCase& c, std::ostream* os) { *os << c.name; }
-
-class LineOperationTest : public ::testing::TestWithParam<LineCase>
-{
-};
+using LineOperationTest = ::testing::TestWithParam<LineCase>;
 
 TEST_P(LineOperationTest, ChangesTheTextAsOneUndoStep)
 {
@@ -116,9 +112,7 @@ struct EdgeCase
     std::function<bool(QsciScintillaBase&)> run;
 };
 
-class LineOperationAtTheEdge : public ::testing::TestWithParam<EdgeCase>
-{
-};
+using LineOperationAtTheEdge = ::testing::TestWithParam<EdgeCase>;
 
 TEST_P(LineOperationAtTheEdge, RefusesAndLeavesTheTextAndUndoAlone)
 {
@@ -158,7 +152,15 @@ TEST(LineOperations, MovingKeepsTheCaretInItsColumnOnTheMovedLine)
 }
 
 // A closed fold moves as one block, and a line next to it steps over the whole fold.
-class FoldedMoveTest : public ::testing::Test
+struct FoldCase
+{
+    const char* name;
+    const char* caretLine;
+    int direction;
+    const char* after;
+};
+
+class FoldedMoveTest : public ::testing::TestWithParam<FoldCase>
 {
 protected:
     void SetUp() override
@@ -171,30 +173,24 @@ protected:
         bare.Send(QsciScintillaBase::SCI_FOLDLINE, 1, QsciScintillaBase::SC_FOLDACTION_CONTRACT);
         ASSERT_FALSE(bare.Send(QsciScintillaBase::SCI_GETLINEVISIBLE, 2));
     }
-    BareControl bare{"top\nhead\n  x\n  y\nend"};
+    const QByteArray before{"top\nhead\n  x\n  y\nend"};
+    BareControl bare{before};
 };
 
-TEST_F(FoldedMoveTest, TheFoldHeaderCarriesItsChildren)
+TEST_P(FoldedMoveTest, MovesAsOneBlock)
 {
-    bare.Send(QsciScintillaBase::SCI_GOTOPOS, 5);
-    ASSERT_TRUE(MoveLines(bare.control, -1));
-    EXPECT_EQ(bare.Text(), QByteArray("head\n  x\n  y\ntop\nend"));
-}
-
-TEST_F(FoldedMoveTest, ALineMovedUpStepsOverTheWholeFold)
-{
-    bare.Send(QsciScintillaBase::SCI_GOTOPOS, bare.Text().indexOf("end"));
-    ASSERT_TRUE(MoveLines(bare.control, -1));
-    EXPECT_EQ(bare.Text(), QByteArray("top\nend\nhead\n  x\n  y"));
+    bare.Send(QsciScintillaBase::SCI_GOTOPOS, bare.Text().indexOf(GetParam().caretLine));
+    ASSERT_TRUE(MoveLines(bare.control, GetParam().direction));
+    EXPECT_EQ(bare.Text(), QByteArray(GetParam().after));
     bare.Undo();
-    EXPECT_EQ(bare.Text(), QByteArray("top\nhead\n  x\n  y\nend"));
+    EXPECT_EQ(bare.Text(), before);
 }
 
-TEST_F(FoldedMoveTest, ALineMovedDownStepsOverTheWholeFold)
-{
-    bare.Send(QsciScintillaBase::SCI_GOTOPOS, 0);
-    ASSERT_TRUE(MoveLines(bare.control, 1));
-    EXPECT_EQ(bare.Text(), QByteArray("head\n  x\n  y\ntop\nend"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Folds, FoldedMoveTest,
+    ::testing::Values(FoldCase{"HeaderCarriesItsChildren", "head", -1, "head\n  x\n  y\ntop\nend"},
+                      FoldCase{"LineUpStepsOverTheFold", "end", -1, "top\nend\nhead\n  x\n  y"},
+                      FoldCase{"LineDownStepsOverTheFold", "top", 1, "head\n  x\n  y\ntop\nend"}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace

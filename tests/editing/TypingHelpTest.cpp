@@ -68,11 +68,7 @@ struct IndentCase
     const char* after;
 };
 
-void PrintTo(const IndentCase& c, std::ostream* os) { *os << c.name; }
-
-class BraceIndentTyping : public ::testing::TestWithParam<IndentCase>
-{
-};
+using BraceIndentTyping = ::testing::TestWithParam<IndentCase>;
 
 TEST_P(BraceIndentTyping, AfterEnter)
 {

@@ -1,10 +1,10 @@
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/DocumentFormat.h"
-#include "editor/TextFileDetector.h"
 #include "framework/CDocTemplate.h"
 #include "framework/CommandIds.h"
 #include "framework/OpenOptions.h"
@@ -27,10 +27,7 @@ protected:
     void SetUp() override
     {
         m_dir = TestSupport::MakeTempDir();
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
         InstallDocumentFormat(m_shell);
     }
     void TearDown() override
@@ -42,11 +39,7 @@ protected:
     {
         const QString path = QDir(m_dir).filePath(name);
         TestSupport::WriteFile(path, bytes);
-        TextFileDetector probe;
-        probe.Examine(path);
-        m_options = OpenOptions();
-        m_options.encoding = probe.Encoding();
-        m_options.bomLength = probe.BomLength();
+        m_options = TextDocuments::Probed(path);
         auto* document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(path, false));
         if (document) {
             Q_EMIT m_shell.Events().documentCreated(document);
@@ -120,6 +113,7 @@ struct ConvertCase
 {
     const char* name;
     int command;
+    int mode;
     const char* expected;
     const char* pane;
 };
@@ -131,21 +125,29 @@ class ConvertCommand : public DocumentFormatTest, public ::testing::WithParamInt
 TEST_P(ConvertCommand, ConvertsTheTextAndShowsTheNewMode)
 {
     const ConvertCase& c = GetParam();
-    CScrivelDoc* document = Open(QStringLiteral("mixed.txt"), "a\r\nb\nc\rd\r\n");
+    const QByteArray mixed("a\r\nb\nc\rd\r\n\n");
+    CScrivelDoc* document = Open(QStringLiteral("mixed.txt"), mixed);
     ASSERT_NE(document, nullptr);
+    CMFCScintilla* editor = document->GetEditor();
     EXPECT_TRUE(Checked(Cmd::ConvertToWindows));
     m_shell.Commands().Execute(c.command);
-    EXPECT_EQ(document->GetEditor()->GetText(), QByteArray(c.expected));
+    EXPECT_EQ(editor->GetText(), QByteArray(c.expected));
     EXPECT_EQ(Pane("LineEndingPane"), QString::fromLatin1(c.pane));
     EXPECT_TRUE(Checked(c.command));
+    EXPECT_EQ(document->LineEnding, c.mode);
+    EXPECT_EQ(editor->GetEOLMode(), c.mode) << "lines typed from now on";
+    editor->Undo();
+    EXPECT_EQ(editor->GetText(), mixed) << "one undo brings every line end back";
+    EXPECT_FALSE(document->IsModified());
+    editor->Redo();
     ASSERT_TRUE(document->DoFileSave());
     EXPECT_EQ(TestSupport::ReadFile(document->GetPathName()), QByteArray(c.expected));
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, ConvertCommand, ::testing::Values(
-    ConvertCase{"windows", Cmd::ConvertToWindows, "a\r\nb\r\nc\r\nd\r\n", "CRLF"},
-    ConvertCase{"unix", Cmd::ConvertToUnix, "a\nb\nc\nd\n", "LF"},
-    ConvertCase{"macintosh", Cmd::ConvertToMacintosh, "a\rb\rc\rd\r", "CR"}),
+    ConvertCase{"windows", Cmd::ConvertToWindows, CMFCScintilla::SC_EOL_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n", "CRLF"},
+    ConvertCase{"unix", Cmd::ConvertToUnix, CMFCScintilla::SC_EOL_LF, "a\nb\nc\nd\n\n", "LF"},
+    ConvertCase{"macintosh", Cmd::ConvertToMacintosh, CMFCScintilla::SC_EOL_CR, "a\rb\rc\rd\r\r", "CR"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(DocumentFormatTest, SubmenuOfEditHoldsTheThreeModes)

@@ -2,6 +2,8 @@
 // show with and without a text view, and what a view gets from its host.
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
+#include "MenuTexts.h"
 
 #include "editor/CEditorCommands.h"
 #include "editor/CMFCScintilla.h"
@@ -34,10 +36,7 @@ protected:
         TestSupport::ClearSettings();
         m_parsers = std::make_unique<CSyntaxParserList>(TestSupport::MakeTempDir());
         m_commands = InstallEditor(m_shell, *m_parsers);
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
         // What the main window does with every new frame.
         QObject::connect(m_template.get(), &CDocTemplate::frameCreated,
                          [this](CChildFrame* frame) { m_shell.AddChildFrame(frame); });
@@ -51,20 +50,10 @@ protected:
 
     CScrivelFrame* OpenNew()
     {
-        CDocument* document = m_template->OpenDocumentFile(QString(), false);
-        return document ? qobject_cast<CScrivelFrame*>(document->GetFrames().first()) : nullptr;
+        return TextDocuments::NewFrame(*m_template);
     }
     bool Enabled(int id) { return m_shell.Commands().State(id).enabled; }
-    bool Checked(int id) { return m_shell.Commands().State(id).checked; }
-    QStringList Texts(const QString& menuId)
-    {
-        QStringList texts;
-        for (QAction* action : m_shell.Menus().Menu(menuId)->actions()) {
-            if (action->isVisible())
-                texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-        }
-        return texts;
-    }
+    QStringList Texts(const QString& menuId) { return MenuTexts(m_shell.Menus().Menu(menuId)->actions()); }
 
     CFakeShell m_shell;
     std::unique_ptr<CSyntaxParserList> m_parsers;
@@ -136,7 +125,7 @@ TEST_F(EditorInstallTest, EditingCommandsAreGreyedWithoutATextViewAndLiveWithOne
     EXPECT_FALSE(Enabled(Cmd::EditClear)) << "nobody carries out Delete";
 }
 
-TEST_F(EditorInstallTest, ANewViewWorksByTheShellsSettingsAndTogglesReachIt)
+TEST_F(EditorInstallTest, ANewViewWorksByTheShellsSettingsAndParsers)
 {
     m_shell.Settings().view.LineNumbers = 1;
     CScrivelFrame* frame = OpenNew();
@@ -146,30 +135,6 @@ TEST_F(EditorInstallTest, ANewViewWorksByTheShellsSettingsAndTogglesReachIt)
     EXPECT_EQ(&view->Settings(), &m_shell.Settings().view) << "one source of truth";
     EXPECT_GT(view->GetEditor()->SendScintilla(Sci::SCI_GETMARGINWIDTHN, CMFCScintilla::LineNumberMargin), 0);
     EXPECT_EQ(frame->ParserList(), m_parsers.get());
-
-    m_shell.Commands().Execute(Cmd::ViewWordWrap);
-    EXPECT_EQ(m_shell.Settings().view.WordWrap, 1);
-    EXPECT_TRUE(Checked(Cmd::ViewWordWrap));
-    EXPECT_EQ(view->GetEditor()->SendScintilla(Sci::SCI_GETWRAPMODE), Sci::SC_WRAP_WORD);
-}
-
-TEST_F(EditorInstallTest, BackAndForwardFollowTheHistoryOfTheHostsViews)
-{
-    CScrivelFrame* frame = OpenNew();
-    ASSERT_NE(frame, nullptr);
-    CMFCScintilla* editor = frame->GetView()->GetEditor();
-    for (int i = 0; i < 300; ++i)
-        editor->AddText("line\n", 5);
-    editor->GotoPos(0);
-    frame->GetView()->GotoPosition(editor->PositionFromLine(250));
-    EXPECT_TRUE(Enabled(Cmd::NavigateBack));
-    m_shell.Commands().Execute(Cmd::NavigateBack);
-    EXPECT_EQ(editor->GetCurrentPos(), 0);
-    EXPECT_FALSE(Enabled(Cmd::NavigateBack));
-    EXPECT_TRUE(Enabled(Cmd::NavigateForward));
-
-    delete frame;
-    EXPECT_EQ(m_commands->Navigation().Count(), 0) << "a view that is gone leaves no positions";
 }
 
 TEST_F(EditorInstallTest, TheContextMenuSharesTheActionsAndKeepsItsOwnDelete)
@@ -177,12 +142,7 @@ TEST_F(EditorInstallTest, TheContextMenuSharesTheActionsAndKeepsItsOwnDelete)
     CScrivelFrame* frame = OpenNew();
     ASSERT_NE(frame, nullptr);
     std::unique_ptr<QMenu> menu(frame->GetView()->CreateContextMenu());
-    QStringList texts;
-    for (QAction* action : menu->actions()) {
-        if (action->isVisible())
-            texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    }
-    EXPECT_EQ(texts, (QStringList{"Undo", "Redo", "-", "Cut", "Copy", "Paste", "Delete", "-", "Cut Append",
+    EXPECT_EQ(MenuTexts(menu->actions()), (QStringList{"Undo", "Redo", "-", "Cut", "Copy", "Paste", "Delete", "-", "Cut Append",
                                   "Copy Append", "-", "Upper Case", "Lower Case", "-", "Insert", "-",
                                   "Select All", "-", "Create template from Selection"}));
     QAction* remove = nullptr;

@@ -9,6 +9,7 @@
 #include "editor/CScrivelView.h"
 #include "syntax/CSyntaxParser.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "DocumentCleanup.h"
 
 #include <QApplication>
@@ -27,14 +28,10 @@ class EditorViewTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
-        m_document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(QString(), false));
-        ASSERT_NE(m_document, nullptr);
-        m_frame = qobject_cast<CScrivelFrame*>(m_document->GetFrames().first());
+        m_template = TextDocuments::MakeTemplate(&m_options);
+        m_frame = TextDocuments::NewFrame(*m_template);
         ASSERT_NE(m_frame, nullptr);
+        m_document = static_cast<CScrivelDoc*>(m_frame->GetDocument());
         m_view = m_frame->GetView();
         m_editor = m_view->GetEditor();
         m_editor->SetCodePage(Sci::SC_CP_UTF8);

@@ -80,14 +80,7 @@ struct RoundTripCase
     bool mark;
 };
 
-std::ostream& operator<<(std::ostream& out, const RoundTripCase& c)
-{
-    return out << c.name;
-}
-
-class RoundTrip : public ::testing::TestWithParam<RoundTripCase>
-{
-};
+using RoundTrip = ::testing::TestWithParam<RoundTripCase>;
 
 TEST_P(RoundTrip, FileBytesComeBackUnchanged)
 {
@@ -109,7 +102,8 @@ INSTANTIATE_TEST_SUITE_P(Encodings, RoundTrip, ::testing::Values(
     RoundTripCase{"utf16be_mark", Utf16BE, true},
     RoundTripCase{"utf16be_plain", Utf16BE, false},
     RoundTripCase{"utf32le_mark", Utf32LE, true},
-    RoundTripCase{"utf32be_mark", Utf32BE, true}));
+    RoundTripCase{"utf32be_mark", Utf32BE, true}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(EncodingReader, AnsiKeepsEveryByteAndIgnoresMarkLength)
 {
@@ -132,14 +126,7 @@ struct LoneSurrogateCase
     int code;
 };
 
-std::ostream& operator<<(std::ostream& out, const LoneSurrogateCase& c)
-{
-    return out << c.name;
-}
-
-class LoneSurrogate : public ::testing::TestWithParam<LoneSurrogateCase>
-{
-};
+using LoneSurrogate = ::testing::TestWithParam<LoneSurrogateCase>;
 
 TEST_P(LoneSurrogate, SurvivesTheRoundTrip)
 {
@@ -152,7 +139,8 @@ INSTANTIATE_TEST_SUITE_P(Forms, LoneSurrogate, ::testing::Values(
     LoneSurrogateCase{"high_then_letter", QByteArray("\xFF\xFE\x00\xD8" "a\0", 6), Utf16LE},
     LoneSurrogateCase{"low_alone", QByteArray("\xFF\xFE" "a\0\x00\xDC" "b\0", 8), Utf16LE},
     LoneSurrogateCase{"high_at_end", QByteArray("\xFF\xFE" "a\0\x3D\xD8", 6), Utf16LE},
-    LoneSurrogateCase{"two_highs_be", QByteArray("\xFE\xFF\xD8\x00\xD8\x01\x00" "c", 8), Utf16BE}));
+    LoneSurrogateCase{"two_highs_be", QByteArray("\xFE\xFF\xD8\x00\xD8\x01\x00" "c", 8), Utf16BE}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(EncodingReader, OddLastByteOfSixteenBitTextIsCountedAsLost)
 {
@@ -169,15 +157,11 @@ TEST(EncodingReader, UnknownMarkedFormsReadAsBigEndianUnits)
     EXPECT_EQ(text, "A");
 }
 
-TEST(EncodingWriter, Utf8MarkWrittenOnceEvenForEmptyText)
+TEST(EncodingWriter, MarkWrittenOnceEvenForEmptyTextAndNeverForAnsi)
 {
     EXPECT_EQ(WriteInPieces(std::string(), Utf8, true, 1), QByteArray("\xEF\xBB\xBF"));
     EXPECT_EQ(WriteInPieces(std::string(), Utf16LE, true, 1), QByteArray("\xFF\xFE"));
     EXPECT_EQ(WriteInPieces(std::string(), Utf8, false, 1), QByteArray());
-}
-
-TEST(EncodingWriter, AnsiNeverGainsAMark)
-{
     EXPECT_EQ(WriteInPieces("abc", Ansi, true, 1), QByteArray("abc"));
 }
 

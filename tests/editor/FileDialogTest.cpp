@@ -133,17 +133,17 @@ TEST_F(FileDialogTest, StartsInTheGivenFolderElseTheLastOneUsed)
     EXPECT_EQ(CFileDialogEx::LastFolder(), QString()) << "a folder that is gone is not offered";
 }
 
-TEST_F(FileDialogTest, CancellingLeavesTheFilterIndexAlone)
+TEST_F(FileDialogTest, TheChosenFilterIsStoredOnAcceptAndCancelLeavesItAlone)
 {
+    const auto stored = [] { return CRegistryStore().GetProfileInt(QStringLiteral("Settings"), QStringLiteral("FilterIndex"), -1); };
     CRegistryStore().WriteProfileInt(QStringLiteral("Settings"), QStringLiteral("FilterIndex"), 2);
-    CFileDialogEx dialog(true, QString());
-    QTimer::singleShot(0, &dialog, &QDialog::reject);
-    EXPECT_EQ(dialog.DoModal(), int(QDialog::Rejected));
-    EXPECT_EQ(CRegistryStore().GetProfileInt(QStringLiteral("Settings"), QStringLiteral("FilterIndex"), -1), 2);
-}
+    {
+        CFileDialogEx dialog(true, QString());
+        QTimer::singleShot(0, &dialog, &QDialog::reject);
+        EXPECT_EQ(dialog.DoModal(), int(QDialog::Rejected));
+    }
+    EXPECT_EQ(stored(), 2);
 
-TEST_F(FileDialogTest, AcceptingStoresTheChosenFilter)
-{
     const QString dir = TestSupport::MakeTempDir();
     TestSupport::WriteFile(QDir(dir).filePath(QStringLiteral("a.txt")), "a");
     CFileDialogEx dialog(true, QString(), nullptr, dir);
@@ -153,7 +153,7 @@ TEST_F(FileDialogTest, AcceptingStoresTheChosenFilter)
     dialog.selectFile(QDir(dir).filePath(QStringLiteral("a.txt")));
     QTimer::singleShot(0, &dialog, &QDialog::accept);
     dialog.DoModal();
-    EXPECT_EQ(CRegistryStore().GetProfileInt(QStringLiteral("Settings"), QStringLiteral("FilterIndex"), -1), 1);
+    EXPECT_EQ(stored(), 1);
 }
 
 TEST_F(FileDialogTest, FiltersComeFromTheMachinesListWhenThereIsOne)
@@ -174,9 +174,7 @@ struct ExtensionCase
     const char* extension;
 };
 
-class FilterExtension : public ::testing::TestWithParam<ExtensionCase>
-{
-};
+using FilterExtension = ::testing::TestWithParam<ExtensionCase>;
 
 TEST_P(FilterExtension, TakesTheTextAfterTheLastDot)
 {

@@ -15,9 +15,7 @@ struct FitCase
     bool styled = true;
 };
 
-class MemoryGuardFits : public ::testing::TestWithParam<FitCase>
-{
-};
+using MemoryGuardFits = ::testing::TestWithParam<FitCase>;
 
 TEST_P(MemoryGuardFits, ComparesTheEstimateWithWhatIsFree)
 {

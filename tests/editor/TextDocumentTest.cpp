@@ -4,8 +4,8 @@
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/TextEncoding.h"
-#include "editor/TextFileDetector.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "settings/CRegistryStore.h"
 #include "DocumentCleanup.h"
 
@@ -26,10 +26,7 @@ protected:
     void SetUp() override
     {
         m_dir = TestSupport::MakeTempDir();
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
     }
 
     void TearDown() override
@@ -41,12 +38,7 @@ protected:
 
     CScrivelDoc* Open(const QString& path, OpenOptions options = OpenOptions())
     {
-        TextFileDetector probe;
-        if (probe.Examine(path) && options.encoding == Auto) {
-            options.encoding = probe.Encoding();
-            options.bomLength = probe.BomLength();
-        }
-        m_options = options;
+        m_options = TextDocuments::Probed(path, options);
         return static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(path, false));
     }
 
@@ -69,11 +61,6 @@ struct FileCase
     QByteArray bytes;
     int expectedEncoding;
 };
-
-std::ostream& operator<<(std::ostream& out, const FileCase& c)
-{
-    return out << c.name;
-}
 
 QString MultiByteText(int lines)
 {
@@ -140,7 +127,8 @@ INSTANTIATE_TEST_SUITE_P(Encodings, SaveUnchanged, ::testing::Values(
     FileCase{"one_byte", QByteArray("\xE9"), Ansi},
     FileCase{"large_utf8", Encode(kLarge, QStringConverter::Utf8, false), Utf8},
     FileCase{"large_utf16le", Encode(kLarge, QStringConverter::Utf16LE, true), Utf16LE},
-    FileCase{"large_utf16be", Encode(kLarge, QStringConverter::Utf16BE, true), Utf16BE}));
+    FileCase{"large_utf16be", Encode(kLarge, QStringConverter::Utf16BE, true), Utf16BE}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(TextDocumentTest, LargeMultiByteTextArrivesWhole)
 {
@@ -205,40 +193,6 @@ TEST_F(TextDocumentTest, SaveAsChangesEncodingNameAndLineEnds)
     ASSERT_TRUE(document->DoFileSave());
     EXPECT_EQ(TestSupport::ReadFile(other), Encode(QStringLiteral("one\r\ntwo\r\n\r\n"), QStringConverter::Utf16LE, true));
 }
-
-struct LineEndCase
-{
-    const char* name;
-    int mode;
-    const char* expected;
-};
-
-class ConvertLineEnds : public TextDocumentTest, public ::testing::WithParamInterface<LineEndCase>
-{
-};
-
-TEST_P(ConvertLineEnds, EveryLineEndAsOneUndoStep)
-{
-    const LineEndCase& c = GetParam();
-    const QByteArray mixed("a\nb\r\nc\rd\n\n");
-    const QString path = Path(QStringLiteral("mixed.txt"));
-    TestSupport::WriteFile(path, mixed);
-    CScrivelDoc* document = Open(path);
-    ASSERT_NE(document, nullptr);
-    document->ConvertLineEndings(c.mode);
-    EXPECT_EQ(Text(document), QByteArray(c.expected));
-    EXPECT_EQ(document->LineEnding, c.mode);
-    EXPECT_EQ(document->GetEditor()->GetEOLMode(), c.mode);
-    document->GetEditor()->Undo();
-    EXPECT_EQ(Text(document), mixed) << "one undo brings every line end back";
-    EXPECT_FALSE(document->IsModified());
-}
-
-INSTANTIATE_TEST_SUITE_P(Modes, ConvertLineEnds, ::testing::Values(
-    LineEndCase{"crlf", CMFCScintilla::SC_EOL_CRLF, "a\r\nb\r\nc\r\nd\r\n\r\n"},
-    LineEndCase{"cr", CMFCScintilla::SC_EOL_CR, "a\rb\rc\rd\r\r"},
-    LineEndCase{"lf", CMFCScintilla::SC_EOL_LF, "a\nb\nc\nd\n\n"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(TextDocumentTest, Utf8WithoutMarkKeepsItThroughSaveAsAndGainsOneOnAChange)
 {
@@ -384,19 +338,6 @@ TEST_F(TextDocumentTest, FormsWeDoNotWriteOpenReadOnly)
     EXPECT_TRUE(document->ReadOnly);
     EXPECT_TRUE(document->NeedsSaveAs);
     EXPECT_TRUE(document->GetEditor()->GetReadOnly());
-}
-
-TEST_F(TextDocumentTest, ForcedEncodingIsUsedAsGiven)
-{
-    const QString path = Path(QStringLiteral("forced.txt"));
-    const QByteArray bytes = Encode(QStringLiteral("abc"), QStringConverter::Utf16LE, false);
-    TestSupport::WriteFile(path, bytes);
-    OpenOptions options;
-    options.encoding = Ansi;
-    CScrivelDoc* document = Open(path, options);
-    ASSERT_NE(document, nullptr);
-    EXPECT_EQ(document->Encoding, Ansi);
-    EXPECT_EQ(Text(document), bytes);
 }
 
 TEST_F(TextDocumentTest, NewDocumentHasANumberedUntitledName)

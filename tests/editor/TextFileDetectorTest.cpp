@@ -29,9 +29,7 @@ QByteArray B(std::initializer_list<int> bytes)
     return out;
 }
 
-class DetectTest : public ::testing::TestWithParam<DetectCase>
-{
-};
+using DetectTest = ::testing::TestWithParam<DetectCase>;
 
 TEST_P(DetectTest, ClassifiesSample)
 {
@@ -99,30 +97,17 @@ INSTANTIATE_TEST_SUITE_P(Binary, DetectTest, ::testing::Values(
     DetectCase{"only_zeros", QByteArray(64, '\0'), Ansi, 0, true},
     DetectCase{"elf_header", B({0x7F, 'E', 'L', 'F', 2, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0}), Ansi, 0, true}));
 
-TEST(DetectFile, ZeroByteAfterTheSampleGoesUnnoticed)
+// Only the first 1024 bytes are judged: a zero just past them goes unnoticed.
+TEST(DetectFile, ZeroByteMeansBinaryOnlyWithinTheSample)
 {
-    const QString dir = TestSupport::MakeTempDir();
-    const QString path = QDir(dir).filePath(QStringLiteral("late-zero.txt"));
-    QByteArray bytes(1024, 'a');
-    bytes += '\0';
-    bytes += "tail";
-    TestSupport::WriteFile(path, bytes);
-    TextFileDetector detector;
-    ASSERT_TRUE(detector.Examine(path));
-    EXPECT_FALSE(detector.IsBinary());
-    EXPECT_EQ(detector.Encoding(), TextEncoding::Ansi);
-}
-
-TEST(DetectFile, ZeroByteWithinTheSampleMeansBinary)
-{
-    const QString dir = TestSupport::MakeTempDir();
-    const QString path = QDir(dir).filePath(QStringLiteral("zero.bin"));
-    QByteArray bytes(1023, 'a');
-    bytes += '\0';
-    TestSupport::WriteFile(path, bytes);
-    TextFileDetector detector;
-    ASSERT_TRUE(detector.Examine(path));
-    EXPECT_TRUE(detector.IsBinary());
+    const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("zero.bin"));
+    for (const auto& [length, binary] : {std::pair{1023, true}, std::pair{1024, false}}) {
+        TestSupport::WriteFile(path, QByteArray(length, 'a') + '\0' + "tail");
+        TextFileDetector detector;
+        ASSERT_TRUE(detector.Examine(path));
+        EXPECT_EQ(detector.IsBinary(), binary) << length;
+        EXPECT_EQ(detector.Encoding(), TextEncoding::Ansi) << length;
+    }
 }
 
 TEST(DetectFile, MissingFileLeavesResultsAlone)

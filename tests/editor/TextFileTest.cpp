@@ -74,11 +74,14 @@ TEST(TextFileRead, LeadingBlankStillMakesProgress)
     EXPECT_EQ(ReadAllChunks(path, 5), text);
 }
 
-TEST(TextFileRead, MissingFileGivesTheSystemsReason)
+TEST(TextFile, MissingFileOrFolderGivesTheSystemsReason)
 {
-    TextFile file;
-    EXPECT_FALSE(file.OpenRead(QStringLiteral("/nonexistent/missing.txt")));
-    EXPECT_FALSE(file.ErrorString().isEmpty());
+    TextFile reader;
+    EXPECT_FALSE(reader.OpenRead(QStringLiteral("/nonexistent/missing.txt")));
+    EXPECT_FALSE(reader.ErrorString().isEmpty());
+    TextFile writer;
+    EXPECT_FALSE(writer.OpenWrite(QStringLiteral("/nonexistent-folder/sub/out.txt")));
+    EXPECT_FALSE(writer.ErrorString().isEmpty());
 }
 
 TEST(TextFileWrite, ReplacesTheOldFileOnlyWhenComplete)
@@ -107,13 +110,6 @@ TEST(TextFileWrite, ClosingWithoutCommitLeavesTheOldFile)
     EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("precious"));
     EXPECT_EQ(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files).size(), 1)
         << "no temporary file is left behind";
-}
-
-TEST(TextFileWrite, MissingFolderFailsToOpen)
-{
-    TextFile file;
-    EXPECT_FALSE(file.OpenWrite(QStringLiteral("/nonexistent-folder/sub/out.txt")));
-    EXPECT_FALSE(file.ErrorString().isEmpty());
 }
 
 TEST(TextFileWrite, FullDiskFailsTheCommit)

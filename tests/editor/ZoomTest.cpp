@@ -9,6 +9,7 @@
 #include "framework/CommandIds.h"
 #include "settings/CRegistryStore.h"
 #include "DocumentCleanup.h"
+#include "TextDocuments.h"
 
 #include <QAction>
 #include <QApplication>
@@ -25,24 +26,17 @@ protected:
     void SetUp() override
     {
         TestSupport::ClearSettings();
-        m_template = MakeTemplate();
+        m_template = TextDocuments::MakeTemplate(nullptr);
     }
     void TearDown() override
     {
         DocumentCleanup::DeleteAll(*m_template);
     }
-    static std::unique_ptr<CDocTemplate> MakeTemplate()
-    {
-        return std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-    }
     CMFCScintilla* NewView(CFakeShell& shell)
     {
-        auto* document = m_template->OpenDocumentFile(QString(), false);
-        CChildFrame* frame = document->GetFrames().first();
+        CScrivelFrame* frame = TextDocuments::NewFrame(*m_template);
         shell.AddChildFrame(frame);
-        return static_cast<CScrivelFrame*>(frame)->GetView()->GetEditor();
+        return frame->GetView()->GetEditor();
     }
     static int Zoom(const CMFCScintilla* editor)
     {

@@ -196,22 +196,18 @@ TEST_F(BaseTreeCtrlTest, DroppedItemLandsWhereTheCopyRulesPutIt)
         m_model.Clear();
         SetUp(); // a fresh tree each time
         m_tree.SetModified(false);
+        const TreeItemData record = (this->*c.dragged)->data;
         Drag(this->*c.dragged, this->*c.target);
         EXPECT_EQ(TreeShape(), c.shape) << c.name;
         EXPECT_EQ(m_tree.drops, 1) << c.name;
+        // The copy keeps the record and is the item selected afterwards.
+        EXPECT_EQ(m_tree.copies, 1) << c.name;
+        ASSERT_NE(m_tree.SelectedNode(), nullptr) << c.name;
+        EXPECT_EQ(m_tree.SelectedNode()->data, record) << c.name;
         EXPECT_TRUE(m_tree.IsModified()) << c.name;
         EXPECT_FALSE(m_tree.IsDragging());
-        m_tree.drops = 0;
+        m_tree.drops = m_tree.copies = 0;
     }
-}
-
-TEST_F(BaseTreeCtrlTest, CopyKeepsTheRecordAndSelectsTheNewItem)
-{
-    Drag(m_d, m_f2);
-    CTreeNode* moved = m_f2->children.back().get();
-    EXPECT_EQ(moved->data, TreeItemData::File("d", "/w/d", 0, 4));
-    EXPECT_EQ(m_tree.SelectedNode(), moved);
-    EXPECT_EQ(m_tree.copies, 1);
 }
 
 TEST_F(BaseTreeCtrlTest, InvalidTargetsDropNothing)

@@ -8,6 +8,8 @@
 #include "framework/CDocTemplate.h"
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "DocumentCleanup.h"
+#include "TextDocuments.h"
 
 #include <QComboBox>
 #include <QTest>
@@ -21,24 +23,16 @@ class ListExplorerTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
-        m_document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(QString(), false));
-        ASSERT_NE(m_document, nullptr);
-        m_frame = qobject_cast<CScrivelFrame*>(m_document->GetFrames().first());
+        m_template = TextDocuments::MakeTemplate(&m_options);
+        m_frame = TextDocuments::NewFrame(*m_template);
+        ASSERT_NE(m_frame, nullptr);
         m_editor = m_frame->GetView()->GetEditor();
         m_editor->SetCodePage(QsciScintillaBase::SC_CP_UTF8);
         m_shell.AddChildFrame(m_frame);
     }
     void TearDown() override
     {
-        m_document->SetModifiedFlag(false);
-        const auto frames = m_document->GetFrames();
-        for (CChildFrame* frame : frames)
-            delete frame;
-        delete m_document;
+        DocumentCleanup::DeleteAll(*m_template);
     }
 
     void SetText(const QByteArray& text, long anchor, long caret)
@@ -63,7 +57,6 @@ protected:
 
     OpenOptions m_options;
     std::unique_ptr<CDocTemplate> m_template;
-    CScrivelDoc* m_document = nullptr;
     CScrivelFrame* m_frame = nullptr;
     CMFCScintilla* m_editor = nullptr;
     CFakeShell m_shell;

@@ -92,9 +92,7 @@ struct ReadCase
     const char* shape;
 };
 
-class WorkspaceFileReader : public ::testing::TestWithParam<ReadCase>
-{
-};
+using WorkspaceFileReader = ::testing::TestWithParam<ReadCase>;
 
 TEST_P(WorkspaceFileReader, BuildsTheTree)
 {

@@ -96,8 +96,9 @@ TEST_F(WorkspaceTest, AfterCloseAnOpenedFileStartsANewUnnamedWorkspace)
     EXPECT_EQ(TreeShape(), "Project*[a.c]");
 }
 
-TEST_F(WorkspaceTest, NewWorkspaceSavedWithNoFilesHoldsOneNamedNode)
+TEST_F(WorkspaceTest, NewWorkspaceSavedWithNoFilesHoldsOneNamedNodeAndReplacesAnOldFileWhole)
 {
+    TestSupport::WriteFile(Path("demo.spf"), QByteArray(4096, 'x'));
     ASSERT_TRUE(m_ws.SaveWorkspace(Path("demo.spf")));
     EXPECT_EQ(TestSupport::ReadFile(Path("demo.spf")),
               R"(<ROOT><NODE label="Project [demo]" pathname="" encoding="4" type="0" folder="1"/></ROOT>)");
@@ -176,14 +177,6 @@ TEST_F(WorkspaceTest, SaveThatCannotWriteSaysSoAndStaysModified)
         QStringLiteral("Failed to save the workspace \"%1\": ").arg(QDir::toNativeSeparators(target))));
     EXPECT_TRUE(m_ws.IsModified());
     EXPECT_FALSE(QFile::exists(target));
-}
-
-TEST_F(WorkspaceTest, SaveOverAnExistingFileReplacesItWhole)
-{
-    TestSupport::WriteFile(Path("w.spf"), QByteArray(4096, 'x'));
-    ASSERT_TRUE(m_ws.SaveWorkspace(Path("w.spf")));
-    EXPECT_EQ(TestSupport::ReadFile(Path("w.spf")),
-              R"(<ROOT><NODE label="Project [w]" pathname="" encoding="4" type="0" folder="1"/></ROOT>)");
 }
 
 TEST_F(WorkspaceTest, UnnamedSaveAsksForAPathAndCancelChangesNothing)

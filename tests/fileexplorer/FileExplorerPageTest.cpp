@@ -4,6 +4,7 @@
 #include "framework/CommandIds.h"
 
 #include "CFakeShell.h"
+#include "MenuTexts.h"
 #include "TestSupport.h"
 
 #include <QAction>
@@ -168,10 +169,7 @@ TEST_F(FileExplorerPageTest, MenuCommandsActOnTheSelectedFile)
     m_tree->setCurrentIndex(Item(QStringLiteral("notes.txt")));
 
     std::unique_ptr<QMenu> menu(m_tree->CreateItemMenu());
-    QStringList texts;
-    for (QAction* action : menu->actions())
-        texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    EXPECT_EQ(texts, (QStringList{QStringLiteral("Open"), QStringLiteral("Open As Hex"), QStringLiteral("-"),
+    EXPECT_EQ(MenuTexts(menu->actions()), (QStringList{QStringLiteral("Open"), QStringLiteral("Open As Hex"), QStringLiteral("-"),
                                   QStringLiteral("Copy Filepath to Clipboard"),
                                   QStringLiteral("Open Containing Folder"), QStringLiteral("-"),
                                   QStringLiteral("Properties")}));

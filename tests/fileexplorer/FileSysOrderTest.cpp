@@ -16,9 +16,7 @@ struct OrderCase
     bool less;
 };
 
-class FileSysOrderTest : public ::testing::TestWithParam<OrderCase>
-{
-};
+using FileSysOrderTest = ::testing::TestWithParam<OrderCase>;
 
 TEST_P(FileSysOrderTest, OrdersSiblings)
 {

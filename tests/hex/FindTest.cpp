@@ -47,9 +47,7 @@ struct FindCase
     qint64 expected;
 };
 
-class FindCases : public ::testing::TestWithParam<FindCase>
-{
-};
+using FindCases = ::testing::TestWithParam<FindCase>;
 
 TEST_P(FindCases, FindsWhereExpected)
 {
@@ -130,9 +128,7 @@ TEST(Find, AgreesWithAPlainScanOverManyPieces)
 // Long buffers, so that the sixteen-at-a-time loops run, for both the fast and the
 // portable way. The alphabet mixes letters of both cases, their ASCII neighbours
 // (never folded) and bytes with the top bit set.
-class ByteSearcherRandom : public ::testing::TestWithParam<CByteSearcher::Method>
-{
-};
+using ByteSearcherRandom = ::testing::TestWithParam<CByteSearcher::Method>;
 
 TEST_P(ByteSearcherRandom, AgreesWithAPlainScan)
 {

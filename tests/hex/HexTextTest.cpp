@@ -11,9 +11,7 @@ struct HexCase
     QByteArray bytes;
 };
 
-class ParseHexCases : public ::testing::TestWithParam<HexCase>
-{
-};
+using ParseHexCases = ::testing::TestWithParam<HexCase>;
 
 TEST_P(ParseHexCases, ReadsBytes)
 {
@@ -51,9 +49,7 @@ struct OffsetCase
     qint64 expected;
 };
 
-class ParseOffsetCases : public ::testing::TestWithParam<OffsetCase>
-{
-};
+using ParseOffsetCases = ::testing::TestWithParam<OffsetCase>;
 
 TEST_P(ParseOffsetCases, ParsesOrRefuses)
 {

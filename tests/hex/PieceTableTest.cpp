@@ -64,9 +64,7 @@ TEST(PieceTable, MergedEditsUndoAsOneStepAndTheSavePointHolds)
 
 // Random edits against a plain byte array doing the same, with undo and redo checked
 // against snapshots of the array.
-class PieceTableRandom : public ::testing::TestWithParam<unsigned>
-{
-};
+using PieceTableRandom = ::testing::TestWithParam<unsigned>;
 
 TEST_P(PieceTableRandom, MatchesAByteArrayOracle)
 {

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <ostream>
 
 // Drawing through the filter must give the very pixels of drawing straight onto the
 // page, while fills of paper over untouched paper are dropped.
@@ -17,12 +16,9 @@ struct FilterCase
     const char* name;
     std::function<void(QPainter&)> draw;
     long dropped;
-    friend void PrintTo(const FilterCase& c, std::ostream* out) { *out << c.name; }
 };
 
-class BlankPaperFilterTest : public ::testing::TestWithParam<FilterCase>
-{
-};
+using BlankPaperFilterTest = ::testing::TestWithParam<FilterCase>;
 
 QImage Paper()
 {

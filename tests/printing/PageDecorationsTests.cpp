@@ -9,7 +9,6 @@
 
 #include <functional>
 #include <iterator>
-#include <ostream>
 
 // What a view shows while editing must stay off paper; what colours the text must not.
 namespace {
@@ -31,7 +30,6 @@ struct LookCase
     const char* name;
     std::function<void(Sci&)> apply;
     bool showsOnPaper;
-    friend void PrintTo(const LookCase& look, std::ostream* out) { *out << look.name; }
 };
 
 class PageLookTest : public ::testing::TestWithParam<LookCase>
@@ -89,6 +87,13 @@ void Indicate(Sci& editor, int indicator, long style, long from, long length)
     editor.SendScintilla(Sci::SCI_INDICATORFILLRANGE, ulong(from), length);
 }
 
+void Mark(Sci& editor, ulong marker, long symbol, long colour, ulong line)
+{
+    editor.SendScintilla(Sci::SCI_MARKERDEFINE, marker, symbol);
+    editor.SendScintilla(Sci::SCI_MARKERSETBACK, marker, colour);
+    editor.SendScintilla(Sci::SCI_MARKERADD, line, long(marker));
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Decorations, PageLookTest,
     ::testing::Values(
@@ -107,16 +112,10 @@ INSTANTIATE_TEST_SUITE_P(
         LookCase{"indentGuides", [](Sci& e) { e.SendScintilla(Sci::SCI_SETINDENTATIONGUIDES, ulong(Sci::SC_IV_LOOKBOTH)); }, false},
         LookCase{"findMatches", [](Sci& e) { Indicate(e, 9, Sci::INDIC_ROUNDBOX, 4, 5); }, false},
         LookCase{"occurrences", [](Sci& e) { Indicate(e, 0, Sci::INDIC_SQUIGGLE, 14, 4); }, false},
-        LookCase{"lineBackgroundMarker", [](Sci& e) {
-                     e.SendScintilla(Sci::SCI_MARKERDEFINE, 3UL, long(Sci::SC_MARK_BACKGROUND));
-                     e.SendScintilla(Sci::SCI_MARKERSETBACK, 3UL, 0x80ff80L);
-                     e.SendScintilla(Sci::SCI_MARKERADD, 1UL, 3L);
-                 }, false},
+        LookCase{"lineBackgroundMarker", [](Sci& e) { Mark(e, 3, Sci::SC_MARK_BACKGROUND, 0x80ff80, 1); }, false},
         LookCase{"bookmarkInItsMargin", [](Sci& e) {
                      e.SendScintilla(Sci::SCI_SETMARGINWIDTHN, 1UL, 16L);
-                     e.SendScintilla(Sci::SCI_MARKERDEFINE, 1UL, long(Sci::SC_MARK_ROUNDRECT));
-                     e.SendScintilla(Sci::SCI_MARKERSETBACK, 1UL, 0x0000ffL);
-                     e.SendScintilla(Sci::SCI_MARKERADD, 0UL, 1L);
+                     Mark(e, 1, Sci::SC_MARK_ROUNDRECT, 0x0000ff, 0);
                  }, false},
         // The text's own colouring prints: styles, and indicators that colour letters.
         LookCase{"styledText", [](Sci& e) {

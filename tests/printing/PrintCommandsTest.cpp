@@ -1,5 +1,6 @@
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
@@ -26,10 +27,7 @@ class PrintCommandsTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
         InstallPrinting(m_shell);
     }
     void TearDown() override
@@ -38,8 +36,7 @@ protected:
     }
     CScrivelFrame* NewFrame(int lines)
     {
-        auto* document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(QString(), false));
-        auto* frame = qobject_cast<CScrivelFrame*>(document->GetFrames().first());
+        CScrivelFrame* frame = TextDocuments::NewFrame(*m_template);
         QByteArray text;
         for (int i = 0; i < lines; ++i)
             text += "line " + QByteArray::number(i) + "\n";

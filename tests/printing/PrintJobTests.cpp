@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace {
 
 // Runs a poppler tool on a PDF; the build machine has poppler-utils.
@@ -59,6 +61,17 @@ protected:
         m_editor.SendScintilla(QsciScintillaBase::SCI_SETTEXT, text.constData());
     }
     QString Pdf(const QString& name) const { return m_dir.filePath(name); }
+    // A printer writing the PDF `name` on paper without margins of its own.
+    std::unique_ptr<QPrinter> PdfPrinter(const QString& name, int resolution = 0) const
+    {
+        auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        printer->setOutputFormat(QPrinter::PdfFormat);
+        if (resolution)
+            printer->setResolution(resolution);
+        printer->setOutputFileName(Pdf(name));
+        printer->setPageMargins(QMarginsF(0, 0, 0, 0));
+        return printer;
+    }
     long LineStart(long position) const
     {
         const long line = m_editor.SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, position);
@@ -102,18 +115,11 @@ TEST_F(PrintJobTest, PageStartsAreLineStartsAndTheirCountMatchesThePdf)
     PrintOptions options;
     options.margins = PrintLayout::DefaultMargins(false);
     options.metric = false;
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(Pdf(QStringLiteral("starts.pdf")));
-    printer.setPageMargins(QMarginsF(0, 0, 0, 0));
     CPrintJob job(m_editor, options, QStringLiteral("x"));
-    ASSERT_TRUE(job.Print(printer));
+    ASSERT_TRUE(job.Print(*PdfPrinter(QStringLiteral("starts.pdf"))));
     // Print ends the run; lay it out again to look at the table.
-    QPrinter again(QPrinter::HighResolution);
-    again.setOutputFormat(QPrinter::PdfFormat);
-    again.setOutputFileName(Pdf(QStringLiteral("again.pdf")));
-    again.setPageMargins(QMarginsF(0, 0, 0, 0));
-    QPainter painter(&again);
+    const auto again = PdfPrinter(QStringLiteral("again.pdf"));
+    QPainter painter(again.get());
     ASSERT_TRUE(job.OnBeginPrinting(painter));
     const QList<long> starts = job.PageStarts();
     ASSERT_GT(starts.size(), 1);
@@ -137,11 +143,8 @@ TEST_F(PrintJobTest, HeaderAndFooterLeaveRoomForFewerLines)
     auto firstPage = [&](bool bands) {
         PrintOptions options;
         options.header = options.footer = bands;
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(Pdf(QStringLiteral("bands.pdf")));
-        printer.setPageMargins(QMarginsF(0, 0, 0, 0));
-        QPainter painter(&printer);
+        const auto printer = PdfPrinter(QStringLiteral("bands.pdf"));
+        QPainter painter(printer.get());
         CPrintJob job(m_editor, options, QStringLiteral("x"));
         job.OnBeginPrinting(painter);
         const long lines = m_editor.SendScintilla(QsciScintillaBase::SCI_LINEFROMPOSITION, job.PageStarts().value(1));
@@ -200,7 +203,7 @@ TEST_F(PrintJobTest, TheLineNumberMarginIsPrintedOnlyWhenAskedAndPutBackAfter)
     }
 }
 
-TEST_F(PrintJobTest, ACancelledExportLeavesTheOldFileAlone)
+TEST_F(PrintJobTest, AnExportThatCannotFinishSaysWhyAndLeavesTheOldFileAlone)
 {
     SetText(NumberedLines(2000));
     const QString path = Pdf(QStringLiteral("keep.pdf"));
@@ -213,11 +216,16 @@ TEST_F(PrintJobTest, ACancelledExportLeavesTheOldFileAlone)
     QString error;
     EXPECT_FALSE(PdfExport::Write(m_editor, PrintOptions(), QStringLiteral("c"), path,
                                   [&](int, qint64, qint64) { return ++calls < 3; }, &error));
-    EXPECT_FALSE(error.isEmpty());
+    EXPECT_FALSE(error.isEmpty()) << "cancelled";
     QFile old(path);
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     EXPECT_EQ(old.readAll(), QByteArray("old contents"));
     EXPECT_EQ(QDir(m_dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("keep.pdf")});
+
+    error.clear();
+    EXPECT_FALSE(PdfExport::Write(m_editor, PrintOptions(), QStringLiteral("m"),
+                                  Pdf(QStringLiteral("no/such/folder/x.pdf")), {}, &error));
+    EXPECT_FALSE(error.isEmpty()) << "a missing folder";
 }
 
 TEST_F(PrintJobTest, APageRangePrintsThoseLaidOutPagesOnly)
@@ -225,15 +233,12 @@ TEST_F(PrintJobTest, APageRangePrintsThoseLaidOutPagesOnly)
     SetText(NumberedLines(400));
     PrintOptions options;
     options.footer = true;
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setResolution(300); // as the export below, so that both break pages alike
-    printer.setOutputFileName(Pdf(QStringLiteral("range.pdf")));
-    printer.setPageMargins(QMarginsF(0, 0, 0, 0));
-    printer.setPrintRange(QPrinter::PageRange);
-    printer.setFromTo(2, 3);
+    // At the export's resolution, so that both break pages alike.
+    const auto printer = PdfPrinter(QStringLiteral("range.pdf"), 300);
+    printer->setPrintRange(QPrinter::PageRange);
+    printer->setFromTo(2, 3);
     CPrintJob job(m_editor, options, QStringLiteral("r"));
-    ASSERT_TRUE(job.Print(printer));
+    ASSERT_TRUE(job.Print(*printer));
     const QStringList pages = Pages(PdfToText(Pdf(QStringLiteral("range.pdf"))));
     ASSERT_EQ(pages.size(), 2);
     EXPECT_TRUE(pages[0].contains(QStringLiteral("Page 2")));
@@ -266,15 +271,6 @@ TEST_F(PrintJobTest, AnExportUsesTheChosenPaper)
     }
 }
 
-TEST_F(PrintJobTest, AnExportIntoAMissingFolderFailsWithAReason)
-{
-    SetText(NumberedLines(3));
-    QString error;
-    EXPECT_FALSE(PdfExport::Write(m_editor, PrintOptions(), QStringLiteral("m"),
-                                  Pdf(QStringLiteral("no/such/folder/x.pdf")), {}, &error));
-    EXPECT_FALSE(error.isEmpty());
-}
-
 } // namespace
 
 // Counting the lines of plain pages must give the very pages the control lays out:
@@ -296,12 +292,8 @@ protected:
         options.header = options.footer = true;
         options.lineNumbers = GetParam().lineNumbers;
         options.margins = PrintLayout::DefaultMargins(true);
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setResolution(300);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(Pdf(QStringLiteral("counted%1.pdf").arg(count)));
-        printer.setPageMargins(QMarginsF(0, 0, 0, 0));
-        QPainter painter(&printer);
+        const auto printer = PdfPrinter(QStringLiteral("counted%1.pdf").arg(count), 300);
+        QPainter painter(printer.get());
         CPrintJob job(m_editor, options, QStringLiteral("c"));
         job.SetCountPlainPages(count);
         if (GetParam().selection) {

@@ -12,7 +12,7 @@ struct HeaderCase
     bool expectPath;
 };
 
-class HeaderNameTest : public ::testing::TestWithParam<HeaderCase> {};
+using HeaderNameTest = ::testing::TestWithParam<HeaderCase>;
 
 TEST_P(HeaderNameTest, LongPathsGiveWayToTheTitle)
 {
@@ -40,7 +40,7 @@ struct LinesCase
     int expected;
 };
 
-class LinesPerPageTest : public ::testing::TestWithParam<LinesCase> {};
+using LinesPerPageTest = ::testing::TestWithParam<LinesCase>;
 
 TEST_P(LinesPerPageTest, HeaderAndFooterTakeTwoLinesWhileMoreThanThreeAreLeft)
 {
@@ -67,7 +67,7 @@ struct MarginCase
     QMargins expected;
 };
 
-class MarginsTest : public ::testing::TestWithParam<MarginCase> {};
+using MarginsTest = ::testing::TestWithParam<MarginCase>;
 
 TEST_P(MarginsTest, ConvertToDeviceUnitsInEitherMeasure)
 {

@@ -1,5 +1,6 @@
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "TextDocuments.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
@@ -73,10 +74,7 @@ protected:
         m_parsers = std::make_unique<CSyntaxParserList>(m_syntax);
         ASSERT_TRUE(m_parsers->Load());
 
-        m_template = std::make_unique<CDocTemplate>(
-            QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
-            [](CDocument* d) { return new CScrivelFrame(static_cast<CScrivelDoc*>(d)); });
-        m_template->SetOpenOptions(&m_options);
+        m_template = TextDocuments::MakeTemplate(&m_options);
         InstallProperties(m_shell);
     }
 
@@ -87,8 +85,7 @@ protected:
 
     CScrivelFrame* NewCFrame()
     {
-        auto* document = static_cast<CScrivelDoc*>(m_template->OpenDocumentFile(QString(), false));
-        auto* frame = qobject_cast<CScrivelFrame*>(document->GetFrames().first());
+        CScrivelFrame* frame = TextDocuments::NewFrame(*m_template);
         frame->SetParserList(m_parsers.get());
         frame->ApplyParserForExtension(*m_parsers, QStringLiteral(".c"));
         m_shell.AddChildFrame(frame);

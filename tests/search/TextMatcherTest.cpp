@@ -36,7 +36,7 @@ struct MatchCase
     const char* expected;
 };
 
-class TextMatcherCases : public ::testing::TestWithParam<MatchCase> {};
+using TextMatcherCases = ::testing::TestWithParam<MatchCase>;
 
 TEST_P(TextMatcherCases, FindsEachMatchOnItsLine)
 {
@@ -60,6 +60,8 @@ INSTANTIATE_TEST_SUITE_P(
         MatchCase{"AnchorsPerLine", "abc\nxabc\nabc", "^abc$", true, false, true, "1:abc;3:abc"},
         MatchCase{"DollarBeforeCr", "one x\r\ntwo\r\n", "x$", true, false, true, "1:x"},
         MatchCase{"EmptyMatchOncePerLine", "one\n\nthree\n", "^", true, false, true, "1:;2:;3:"},
+        // Blocks end at a line end; the next block reports the line that follows.
+        MatchCase{"NoEmptyMatchAfterTheFinalLineEnd", "ab\ncd\n", "$", true, false, true, "1:;2:"},
         MatchCase{"FoldsNonAscii", "Stra\xC3\x9F" "e\nSTRA\xC3\x9F" "E\n", "stra\xC3\x9F" "e", false, false, false,
                   "1:Stra\xC3\x9F" "e;2:STRA\xC3\x9F" "E"},
         MatchCase{"WholeWordExpression", "foo foobar barfoo foo\n", "fo+", true, true, true, "1:foo;1:foo"}),
@@ -133,12 +135,6 @@ TEST(TextMatcher, LineIsMatchedTheSameWhateverItsNeighbours)
               "1:caf\xC3\xA9;2:caf\xE9;6:caf\xC3\xA9");
 }
 
-TEST(TextMatcher, EmptyMatchAfterTheFinalLineEndIsNotAnotherLine)
-{
-    // Blocks end at a line end; the next block reports the line that follows.
-    EXPECT_EQ(Scan("ab\ncd\n", QStringLiteral("$"), true, false, true), "1:;2:");
-}
-
 struct ColumnCase
 {
     const char* line;
@@ -148,7 +144,7 @@ struct ColumnCase
     int expected;
 };
 
-class EditorColumn : public ::testing::TestWithParam<ColumnCase> {};
+using EditorColumn = ::testing::TestWithParam<ColumnCase>;
 
 TEST_P(EditorColumn, CountsAsTheEditorDoes)
 {

@@ -1,4 +1,5 @@
 #include "CFakeShell.h"
+#include "MenuTexts.h"
 
 #include <QAction>
 #include <QMenu>
@@ -8,18 +9,6 @@
 #include <algorithm>
 
 namespace {
-
-// What a menu shows, top to bottom: texts, "-" for a visible line.
-QStringList Shown(const QList<QAction*>& actions)
-{
-    QStringList shown;
-    for (const QAction* action : actions) {
-        if (!action->isVisible())
-            continue;
-        shown << (action->isSeparator() ? QStringLiteral("-") : action->text());
-    }
-    return shown;
-}
 
 // Menus fold lines at their ends and in runs when shown; the test folds them the same way.
 QStringList Folded(QStringList shown)
@@ -56,7 +45,7 @@ TEST_F(MenuPlacesTest, CommandsLandInTheirGroupsInDeclaredOrderWhateverTheOrderO
     menus.AddCommand(MenuId::File, MenuGroup::FileSave, 3);
     menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 2);
     menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 4);
-    EXPECT_EQ(Folded(Shown(menus.Menu(MenuId::File)->actions())),
+    EXPECT_EQ(Folded(MenuTexts(menus.Menu(MenuId::File)->actions())),
               (QStringList{"Open", "Open as Hex", "-", "Save", "-", "Exit"}));
 }
 
@@ -69,7 +58,7 @@ TEST_F(MenuPlacesTest, SubmenusTakeAPlaceInTheirParentsGroup)
                                       {MenuGroup::Default}, MenuId::Edit, MenuGroup::EditSubMenus);
     menus.AddCommand(MenuId::EditInsert, MenuGroup::Default, 1);
     menus.AddCommand(MenuId::Edit, MenuGroup::EditUndo, 2);
-    EXPECT_EQ(Folded(Shown(menus.Menu(MenuId::Edit)->actions())),
+    EXPECT_EQ(Folded(MenuTexts(menus.Menu(MenuId::Edit)->actions())),
               (QStringList{"Undo", "-", "&Insert"}));
     EXPECT_EQ(menus.Menu(MenuId::EditInsert), insert);
     EXPECT_EQ(menus.DeclareMenu(MenuId::EditInsert, QStringLiteral("Other"), {}), insert);
@@ -84,7 +73,7 @@ TEST_F(MenuPlacesTest, ToolbarLinesShowOnlyBetweenFilledGroupsAndCommandsAreList
     EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{57634}));
     menus.AddToolBarCommand(ToolBarId::Standard, ToolBarGroup::File, 57600);
     EXPECT_EQ(menus.ToolBarCommands(ToolBarId::Standard), (QList<int>{57600, 0, 57634}));
-    EXPECT_EQ(Shown(menus.ToolBar(ToolBarId::Standard)->actions()), (QStringList{"New", "-", "Copy"}));
+    EXPECT_EQ(MenuTexts(menus.ToolBar(ToolBarId::Standard)->actions()), (QStringList{"New", "-", "Copy"}));
 }
 
 TEST_F(MenuPlacesTest, AGroupOrderPlacesCommandsWhicheverSubsystemAddsThemFirst)
@@ -100,7 +89,7 @@ TEST_F(MenuPlacesTest, AGroupOrderPlacesCommandsWhicheverSubsystemAddsThemFirst)
     menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 13);
     menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 10);
     menus.AddCommand(MenuId::File, MenuGroup::FileOpen, 11);
-    EXPECT_EQ(Folded(Shown(menus.Menu(MenuId::File)->actions())),
+    EXPECT_EQ(Folded(MenuTexts(menus.Menu(MenuId::File)->actions())),
               (QStringList{"Open", "Open as Hex", "Close", "Extra"}));
 }
 

@@ -32,9 +32,7 @@ QStringList DecodeBytewise(const QByteArray& bytes)
     return lines;
 }
 
-class OutputDecoderTest : public ::testing::TestWithParam<DecodeCase>
-{
-};
+using OutputDecoderTest = ::testing::TestWithParam<DecodeCase>;
 
 TEST_P(OutputDecoderTest, DecodesWholeAndSplitAtEveryByte)
 {

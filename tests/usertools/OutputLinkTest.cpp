@@ -18,9 +18,7 @@ struct LinkCase
 // Files the parser may take as existing.
 const QSet<QString> kExisting = {QStringLiteral("/proj/src/we:ird.c")};
 
-class OutputLinkTest : public ::testing::TestWithParam<LinkCase>
-{
-};
+using OutputLinkTest = ::testing::TestWithParam<LinkCase>;
 
 TEST_P(OutputLinkTest, Recognises)
 {

@@ -24,9 +24,7 @@ struct SplitCase
     QStringList expected;
 };
 
-class SplitArgumentsTest : public ::testing::TestWithParam<SplitCase>
-{
-};
+using SplitArgumentsTest = ::testing::TestWithParam<SplitCase>;
 
 TEST_P(SplitArgumentsTest, GivesTheWordsAShellWouldWithoutRunningOne)
 {

@@ -21,9 +21,7 @@ struct LimitCase
     int limit;
 };
 
-class ScrollbackTest : public ::testing::TestWithParam<LimitCase>
-{
-};
+using ScrollbackTest = ::testing::TestWithParam<LimitCase>;
 
 TEST_P(ScrollbackTest, KeepsTheLastLinesAndAnnouncesTheCut)
 {
