@@ -159,8 +159,9 @@ TEST_F(ExplorerBarTest, ToolStripFollowsTheActivePageKind)
         for (QAction* action : strip->actions())
             if (action->data().isValid() && !action->isSeparator() && m_shell->Commands().Contains(action->data().toInt()))
                 ids << action->data().toInt();
-        if (!c.actions.isEmpty())
+        if (!c.actions.isEmpty()) {
             EXPECT_EQ(ids, c.actions);
+        }
         EXPECT_EQ(strip->findChild<QComboBox*>() != nullptr, c.combo);
     }
     // The folder commands wait for an open workspace.
