@@ -19,17 +19,6 @@ QByteArray Lines(int count, const char* word)
     return text;
 }
 
-void Report(const char* name, const SweepResult& result)
-{
-    CountSweep(name, result);
-    for (const std::string& problem : result.problems)
-        ADD_FAILURE() << name << ": " << problem;
-    EXPECT_GT(result.calls[int(Call::Write)], 0);
-    EXPECT_GT(result.cases, 5);
-    EXPECT_EQ(result.intact, result.cases);
-    EXPECT_GT(result.failed, result.cases / 2);
-}
-
 using DocumentSaveFaults = DocumentFixture;
 
 TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
@@ -65,7 +54,7 @@ TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
             return "the text in the editor changed";
         return {};
     };
-    Report("text document", Sweep(writer));
+    ExpectSweep("text document", Sweep(writer));
 }
 
 // The hex document with its messages recorded instead of shown.
@@ -109,7 +98,7 @@ TEST_F(DocumentSaveFaults, HexDocumentKeepsFileAndChangesAndSaysSo)
             return "the edits were lost";
         return {};
     };
-    Report("hex document", Sweep(writer));
+    ExpectSweep("hex document", Sweep(writer));
     document.reset();
 }
 

@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <mutex>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/uio.h>
@@ -292,6 +293,23 @@ ssize_t copy_file_range(int in, off64_t* inOffset, int out, off64_t* outOffset, 
     if (WatchedFd(out) && Trip(Call::Copy))
         return -1;
     return real(in, inOffset, out, outOffset, length, flags);
+}
+
+// The C++ library's file copy hands the bytes to the kernel this way.
+ssize_t sendfile(int out, int in, off_t* offset, size_t count)
+{
+    static const auto real = Next<ssize_t (*)(int, int, off_t*, size_t)>("sendfile");
+    if (WatchedFd(out) && Trip(Call::Copy))
+        return -1;
+    return real(out, in, offset, count);
+}
+
+ssize_t sendfile64(int out, int in, off64_t* offset, size_t count)
+{
+    static const auto real = Next<ssize_t (*)(int, int, off64_t*, size_t)>("sendfile64");
+    if (WatchedFd(out) && Trip(Call::Copy))
+        return -1;
+    return real(out, in, offset, count);
 }
 
 int fsync(int fd)

@@ -1,6 +1,7 @@
 #include "FaultSweep.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -50,10 +51,22 @@ QByteArray Read(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
+// Everything below the folder, as paths relative to it.
 QStringList Entries(const QString& folder)
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                  QDir::Name);
+    const QDir root(folder);
+    QStringList names;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        names << root.relativeFilePath(it.next());
+    names.sort();
+    return names;
+}
+
+QByteArray Observe(const SweepWriter& writer)
+{
+    return writer.observe ? writer.observe() : Read(writer.target);
 }
 
 std::string Describe(const Fault& fault, int nth)
@@ -100,13 +113,16 @@ SweepResult Sweep(const SweepWriter& writer)
     // A clean run first: it must succeed, and it tells how many calls of each kind a
     // save makes.
     writer.prepare();
-    const QStringList entries = Entries(writer.folder);
+    // Counted, not named: some writers name their files afresh each time.
+    const qsizetype entriesBefore = Entries(writer.folder).size();
     FaultInjector::Watch(folder);
     const bool cleanOk = writer.save();
     for (int k = 0; k < int(Call::Count); ++k)
         result.calls[k] = FaultInjector::Calls(Call(k));
     FaultInjector::Reset();
-    if (!cleanOk || Read(writer.target) != writer.after) {
+    // A good save may add files (a new version) but never leaves more than that.
+    const qsizetype entriesAfter = Entries(writer.folder).size();
+    if (!cleanOk || Observe(writer) != writer.after) {
         result.problems.push_back("the save without faults failed or wrote the wrong bytes");
         return result;
     }
@@ -129,7 +145,7 @@ SweepResult Sweep(const SweepWriter& writer)
             if (ok && std::getenv("MORVANE_SWEEP_VERBOSE"))
                 std::printf("  absorbed: %s\n", Describe(fault, nth).c_str());
 
-            const QByteArray now = Read(writer.target);
+            const QByteArray now = Observe(writer);
             std::string problem;
             if (ok && now != writer.after)
                 problem = "reported success but the file does not hold the new bytes";
@@ -145,8 +161,9 @@ SweepResult Sweep(const SweepWriter& writer)
                 || fault.call == Call::Rename || (fault.call == Call::Sync && nth == 1);
             if (problem.empty() && ok && mustFail)
                 problem = "the failure was ignored and the save reported success";
-            if (problem.empty() && Entries(writer.folder) != entries)
-                problem = "left files behind: " + Entries(writer.folder).join(QLatin1Char(' ')).toStdString();
+            const QStringList left = Entries(writer.folder);
+            if (problem.empty() && left.size() != (ok ? entriesAfter : entriesBefore))
+                problem = "left files behind: " + left.join(QLatin1Char(' ')).toStdString();
             if (problem.empty() && writer.check)
                 problem = writer.check(ok);
             if (!problem.empty())
@@ -161,4 +178,35 @@ void CountSweep(const char* writer, const SweepResult& result)
     auto& counts = TheTotals().byWriter[writer];
     counts.first += result.cases;
     counts.second += result.intact;
+}
+
+void ExpectSweep(const char* writer, const SweepResult& result, Call mustReach)
+{
+    CountSweep(writer, result);
+    for (const std::string& problem : result.problems)
+        ADD_FAILURE() << writer << ": " << problem;
+    EXPECT_GT(result.calls[int(mustReach)], 0) << writer;
+    EXPECT_GT(result.cases, 5) << writer;
+    EXPECT_EQ(result.intact, result.cases) << writer;
+    EXPECT_GT(result.failed, result.cases / 2) << writer;
+    std::printf("%s: %d calls of open, %d of write, %d of sync, %d of rename, %d of link, %d of copy; "
+                "%d of %d faulted saves reported failure\n",
+                writer, result.calls[int(Call::Open)], result.calls[int(Call::Write)],
+                result.calls[int(Call::Sync)], result.calls[int(Call::Rename)], result.calls[int(Call::Link)],
+                result.calls[int(Call::Copy)], result.failed, result.cases);
+}
+
+SweepWriter FileWriter(const QString& folder, const QString& name, QByteArray before, QByteArray after)
+{
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = QDir(folder).filePath(name);
+    writer.before = std::move(before);
+    writer.after = std::move(after);
+    writer.prepare = [target = writer.target, bytes = writer.before] {
+        QFile file(target);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << target.toStdString();
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    };
+    return writer;
 }

@@ -1,0 +1,192 @@
+// The program's own copies of the user's text, with each file system call failing in
+// turn: the versions kept beside a saved file and the recovery copies of modified ones.
+#include "FaultSweep.h"
+
+#include "backup/CBackupStore.h"
+#include "recovery/CRecoveryStore.h"
+#include "settings/CRegistryStore.h"
+#include "settings/MainFrameSettings.h"
+
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
+
+#include <map>
+#include <memory>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QByteArray Text(int lines, const char* word)
+{
+    QByteArray text;
+    for (int i = 0; i < lines; ++i)
+        text += word + QByteArray::number(i) + " jumps over the lazy dog\n";
+    return text;
+}
+
+// Files below a folder with their bytes, in one comparable form.
+using Tree = std::map<QString, QByteArray>;
+
+QByteArray Flatten(const Tree& tree)
+{
+    QByteArray flat;
+    for (const auto& [name, bytes] : tree)
+        flat += name.toUtf8() + " (" + QByteArray::number(bytes.size()) + "): " + bytes + '\n';
+    return flat;
+}
+
+Tree ReadTree(const QString& folder)
+{
+    Tree tree;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        tree[QDir(folder).relativeFilePath(path)] = TestSupport::ReadFile(path);
+    }
+    return tree;
+}
+
+// One row: how many versions to keep, the folder's next number as the settings hold it,
+// and the versions there after a good save.
+struct BackupCase
+{
+    const char* name;
+    int versions;
+    int nextNumber;
+    QStringList kept;
+};
+
+class BackupFaults : public ::testing::TestWithParam<BackupCase>
+{
+};
+
+TEST_P(BackupFaults, FailedVersionLeavesTheFileAndEveryVersionAndSaysSo)
+{
+    const BackupCase& c = GetParam();
+    const QString folder = TestSupport::MakeTempDir();
+    const QString document = QDir(folder).filePath(QStringLiteral("chapter.txt"));
+    const QByteArray current = Text(60000, "saved"); // more than one write
+    const QByteArray older = Text(500, "older");
+    MainFrameSettings settings;
+    settings.BackupFolder = QDir(folder).filePath(QStringLiteral("backup"));
+    settings.Versions = c.versions;
+
+    const Tree before = {{QStringLiteral("chapter.txt"), current}, {QStringLiteral("backup/0/0"), older}};
+    Tree after = {{QStringLiteral("chapter.txt"), current}};
+    for (const QString& name : c.kept)
+        after[QStringLiteral("backup/0/") + name] = name == QLatin1String("0") ? older : current;
+
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.before = Flatten(before);
+    writer.after = Flatten(after);
+    std::unique_ptr<CBackupStore> store;
+    QStringList messages;
+    writer.prepare = [&] {
+        TestSupport::ClearSettings();
+        QDir(settings.BackupFolder).removeRecursively();
+        for (const auto& [name, bytes] : before)
+            TestSupport::WriteFile(QDir(folder).filePath(name), bytes);
+        CRegistryStore registry;
+        registry.WriteProfileInt(CBackupStore::SettingsSection, QStringLiteral("NextFolderId"), 1);
+        registry.WriteProfileInt(CBackupStore::FoldersSection, document, 0);
+        registry.WriteProfileInt(CBackupStore::FoldersSection, QStringLiteral("0"), c.nextNumber);
+        store = std::make_unique<CBackupStore>(settings);
+        messages.clear();
+        store->SetFailureHandler([&](const QString& text) { messages << text; });
+        store->Attach(document);
+        ASSERT_EQ(store->GetCount(), 1);
+    };
+    writer.save = [&] { return store->SaveVersion(); };
+    writer.observe = [&] { return Flatten(ReadTree(folder)); };
+    writer.check = [&](bool ok) -> std::string {
+        static const QRegularExpression reason(QStringLiteral("^failed with error [1-9][0-9]*: \\S"));
+        if (ok != messages.isEmpty())
+            return ok ? "a message for a version that was made" : "a failed version said nothing";
+        if (!ok && !reason.match(messages.first()).hasMatch())
+            return "unexpected message: " + messages.first().toStdString();
+        const int listed = ok ? int(c.kept.size()) : 1;
+        if (store->GetCount() != listed)
+            return "the history lists " + std::to_string(store->GetCount()) + " versions";
+        for (int i = 0; i < store->GetCount(); ++i) {
+            if (!QFileInfo::exists(store->GetEntry(i).m_path))
+                return "the history lists a version that is not there";
+        }
+        return {};
+    };
+    ExpectSweep(c.name, Sweep(writer));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Stores, BackupFaults,
+    ::testing::Values(BackupCase{"backup version", 5, 1, {QStringLiteral("0"), QStringLiteral("1")}},
+                      // The only version is dropped only once the new one is whole.
+                      BackupCase{"backup version, keep one", 1, 1, {QStringLiteral("1")}},
+                      // Settings that lost a write (or were restored from an older copy)
+                      // must not make the new version overwrite an old one.
+                      BackupCase{"backup version, stale number", 5, 0,
+                                 {QStringLiteral("0"), QStringLiteral("1")}}),
+    [](const auto& info) {
+        return QString::fromLatin1(info.param.name).replace(QRegularExpression(QStringLiteral("\\W+")),
+                                                            QStringLiteral("_")).toStdString();
+    });
+
+RecoveryEntry Described(const QString& id)
+{
+    RecoveryEntry entry;
+    entry.id = id;
+    entry.path = QStringLiteral("/home/user/novel.txt");
+    entry.time = QDateTime::currentDateTimeUtc();
+    return entry;
+}
+
+// What the next start would offer from the folder: the text of its one entry, nothing
+// when there is none, and a complaint when an entry was skipped as torn.
+QByteArray Offered(const QString& folder)
+{
+    QStringList notes;
+    const QList<RecoveryEntry> entries = CRecoveryStore::ReadFolder(folder, &notes);
+    if (!notes.isEmpty() || entries.size() > 1)
+        return "torn: " + notes.join(QLatin1Char(' ')).toUtf8() + " (" + QByteArray::number(entries.size())
+            + " entries)";
+    return entries.isEmpty() ? QByteArray() : TestSupport::ReadFile(entries.first().textFile);
+}
+
+class RecoveryFaults : public ::testing::TestWithParam<bool>
+{
+};
+
+TEST_P(RecoveryFaults, CopyIsKeptOrReplacedWholeAndNeverOfferedTorn)
+{
+    const bool hadCopy = GetParam();
+    const QString folder = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("instance"));
+    const RecoveryEntry entry = Described(QStringLiteral("doc7"));
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.before = hadCopy ? Text(2000, "typed") : QByteArray();
+    writer.after = Text(3000, "retyped");
+    QString error;
+    writer.prepare = [&] {
+        QDir(folder).removeRecursively();
+        QDir().mkpath(folder);
+        if (hadCopy) {
+            ASSERT_TRUE(CRecoveryStore::WriteNow(folder, entry, writer.before));
+        }
+        error.clear();
+    };
+    writer.save = [&] { return CRecoveryStore::WriteNow(folder, entry, writer.after, &error); };
+    writer.observe = [&] { return Offered(folder); };
+    writer.check = [&](bool ok) -> std::string {
+        return !ok && error.isEmpty() ? "a failed write gave no reason" : std::string();
+    };
+    ExpectSweep(hadCopy ? "recovery copy" : "recovery copy, first", Sweep(writer));
+}
+
+INSTANTIATE_TEST_SUITE_P(Stores, RecoveryFaults, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "OverAnOlderCopy" : "First"; });
+
+} // namespace
