@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,9 @@ struct SweepWriter
     // What the save is judged by, for writers of more than one file; the target's bytes
     // when not given.
     std::function<QByteArray()> observe;
+    // False for a writer we don't own whose success flag is loose: then only the file is
+    // judged (old or new bytes, whatever the save said) and nothing left behind.
+    bool judgeReport = true;
     std::function<void()> prepare;  // puts `before` in place and readies the writer
     std::function<bool()> save;     // true when the writer reports success
     // Further checks after each run (the message shown, the modified flag); returns a
@@ -48,6 +52,12 @@ void CountSweep(const char* writer, const SweepResult& result);
 // most faults absorbed (then it never reached the disk).
 void ExpectSweep(const char* writer, const SweepResult& result,
                  FaultInjector::Call mustReach = FaultInjector::Call::Write);
+
+// The files below a folder with their bytes, by relative path; flattened, one value the
+// sweep can compare for writers of several files.
+using FileTree = std::map<QString, QByteArray>;
+FileTree ReadTree(const QString& folder);
+QByteArray Flatten(const FileTree& tree);
 
 // A writer of the file `name` in `folder` that is put back to `before` before every run;
 // the caller adds the save.

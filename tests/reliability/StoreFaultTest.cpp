@@ -10,10 +10,8 @@
 #include "TestSupport.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QRegularExpression>
 
-#include <map>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -26,28 +24,6 @@ QByteArray Text(int lines, const char* word)
     for (int i = 0; i < lines; ++i)
         text += word + QByteArray::number(i) + " jumps over the lazy dog\n";
     return text;
-}
-
-// Files below a folder with their bytes, in one comparable form.
-using Tree = std::map<QString, QByteArray>;
-
-QByteArray Flatten(const Tree& tree)
-{
-    QByteArray flat;
-    for (const auto& [name, bytes] : tree)
-        flat += name.toUtf8() + " (" + QByteArray::number(bytes.size()) + "): " + bytes + '\n';
-    return flat;
-}
-
-Tree ReadTree(const QString& folder)
-{
-    Tree tree;
-    QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        tree[QDir(folder).relativeFilePath(path)] = TestSupport::ReadFile(path);
-    }
-    return tree;
 }
 
 // One row: how many versions to keep, the folder's next number as the settings hold it,
@@ -75,8 +51,8 @@ TEST_P(BackupFaults, FailedVersionLeavesTheFileAndEveryVersionAndSaysSo)
     settings.BackupFolder = QDir(folder).filePath(QStringLiteral("backup"));
     settings.Versions = c.versions;
 
-    const Tree before = {{QStringLiteral("chapter.txt"), current}, {QStringLiteral("backup/0/0"), older}};
-    Tree after = {{QStringLiteral("chapter.txt"), current}};
+    const FileTree before = {{QStringLiteral("chapter.txt"), current}, {QStringLiteral("backup/0/0"), older}};
+    FileTree after = {{QStringLiteral("chapter.txt"), current}};
     for (const QString& name : c.kept)
         after[QStringLiteral("backup/0/") + name] = name == QLatin1String("0") ? older : current;
 
