@@ -374,6 +374,30 @@ TEST_F(BackupStoreTest, ReloadDoesNotListAVersionTwice)
     EXPECT_EQ(store.GetCount(), 1);
 }
 
+// A crash in the middle of a copy leaves "<n>.part": it is no version, it doesn't stop
+// the folder from going, and the versions of a private file stay private.
+TEST_F(BackupStoreTest, CopyCutShortIsNeitherListedNorLeftBehind)
+{
+    settings.Versions = 5;
+    settings.DeleteOnExit = 1;
+    const QString path = Source(QStringLiteral("f.txt"));
+    WriteFile(path, "secret");
+    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    const QString folder = Root() + QStringLiteral("/0");
+    WriteFile(folder + QStringLiteral("/0"), "v0");
+    WriteFile(folder + QStringLiteral("/1.part"), "half");
+    CBackupStore store(settings);
+    store.Attach(path);
+    EXPECT_EQ(EntryNames(store), QStringList{QStringLiteral("0")});
+    ASSERT_TRUE(store.SaveVersion());
+    EXPECT_EQ(EntryNames(store), (QStringList{QStringLiteral("0"), QStringLiteral("1")}));
+    EXPECT_EQ(ReadFile(folder + QStringLiteral("/1")), QByteArray("secret"));
+    EXPECT_EQ(QFileInfo(folder + QStringLiteral("/1")).permissions() & (QFileDevice::ReadOther | QFileDevice::ReadGroup),
+              QFileDevice::Permissions());
+    store.OnDocumentClose();
+    EXPECT_FALSE(QFileInfo::exists(folder));
+}
+
 TEST(BackupTimeTextTest, MonthNamesAreEnglishAndOutOfRangeIsEmpty)
 {
     EXPECT_EQ(BackupTimeText::MonthName(1), QStringLiteral("January"));
