@@ -23,19 +23,16 @@ using DocumentSaveFaults = DocumentFixture;
 
 TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
 {
-    const QString path = Path(QStringLiteral("story.txt"));
-    SweepWriter writer;
-    writer.folder = m_dir;
-    writer.target = path;
-    writer.before = Lines(3000, "old");
-    writer.after = Lines(4000, "new");
+    SweepWriter writer = FileWriter(m_dir, QStringLiteral("story.txt"), Lines(3000, "old"), Lines(4000, "new"));
+    const QString path = writer.target;
+    const auto putBack = writer.prepare;
     CScrivelDoc* document = nullptr;
     qsizetype shown = 0;
     // A fresh document each time: one whose file was rewritten behind its back would
     // rightly ask before saving over it.
     writer.prepare = [&] {
         CloseAll();
-        TestSupport::WriteFile(path, writer.before);
+        putBack();
         document = Open(path);
         ASSERT_NE(document, nullptr);
         Retype(document, writer.after);
@@ -69,19 +66,15 @@ protected:
 
 TEST_F(DocumentSaveFaults, HexDocumentKeepsFileAndChangesAndSaysSo)
 {
-    const QString path = Path(QStringLiteral("blob.bin"));
-    SweepWriter writer;
-    writer.folder = m_dir;
-    writer.target = path;
-    writer.before = QByteArray(150000, '\x01');
-    writer.after = writer.before;
-    writer.after.replace(70000, 3, "\xDE\xAD\xBE");
-    writer.after.insert(0, "MAGIC");
-
+    const QByteArray before(150000, '\x01');
+    SweepWriter writer = FileWriter(m_dir, QStringLiteral("blob.bin"), before,
+                                    "MAGIC" + QByteArray(before).replace(70000, 3, "\xDE\xAD\xBE"));
+    const QString path = writer.target;
+    const auto putBack = writer.prepare;
     std::unique_ptr<RecordingHexDocument> document;
     writer.prepare = [&] {
         document.reset();
-        TestSupport::WriteFile(path, writer.before);
+        putBack();
         document = std::make_unique<RecordingHexDocument>();
         ASSERT_TRUE(document->OnOpenDocument(path));
         document->SetPathName(path);
