@@ -9,6 +9,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #ifdef Q_OS_UNIX
@@ -51,8 +52,12 @@ int HighestNumber(const QString& folder)
     int highest = -1;
     const auto names = QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System);
     for (const QString& name : names) {
-        if (IsNumberName(name))
-            highest = std::max(highest, name.toInt());
+        bool ok = false;
+        const int number = name.toInt(&ok);
+        // Numbers near the top of the range are no versions of ours; counting past
+        // them would overflow.
+        if (IsNumberName(name) && ok && number < std::numeric_limits<int>::max() / 2)
+            highest = std::max(highest, number);
     }
     return highest;
 }

@@ -15,6 +15,9 @@
 
 #include <memory>
 
+#include <sys/sendfile.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -220,9 +223,18 @@ TEST(FaultInjectorItself, FailsTheArmedCallOnWatchedFilesOnly)
     FaultInjector::Arm(Call::Write, 1, 0, /*shortWrite=*/true);
     EXPECT_EQ(in.write("0123456789", 10), 10); // QFile goes on after the short write
     EXPECT_TRUE(FaultInjector::Fired());
+
+    // Copies the kernel makes count as copies, whichever call asks for them.
+    FaultInjector::Arm(Call::Copy, 2, ENOSPC);
+    QFile source(QString::fromUtf8(other));
+    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
+    off_t from = 0;
+    EXPECT_EQ(::sendfile(in.handle(), source.handle(), &from, 1), 1);
+    EXPECT_EQ(::copy_file_range(source.handle(), nullptr, in.handle(), nullptr, 1, 0), -1);
+    EXPECT_EQ(errno, ENOSPC);
     FaultInjector::Reset();
     in.close();
-    EXPECT_EQ(TestSupport::ReadFile(QString::fromUtf8(watched)), QByteArray("abef0123456789"));
+    EXPECT_EQ(TestSupport::ReadFile(QString::fromUtf8(watched)), QByteArray("abef0123456789x"));
 }
 
 } // namespace
