@@ -77,6 +77,49 @@ int WriteAll(int fd, const char* data, ssize_t size)
     return 0;
 }
 
+// Lets the kernel copy the whole file, without the bytes passing through us (and
+// sharing blocks where the file system can). 0 when done, -1 when it can't between these
+// two files and nothing was copied, else the system's error.
+int KernelCopy(int in, int out)
+{
+#ifdef Q_OS_LINUX
+    bool copied = false;
+    for (;;) {
+        const ssize_t n = ::copy_file_range(in, nullptr, out, nullptr, size_t(1) << 30, 0);
+        if (n == 0)
+            return 0;
+        if (n > 0) {
+            copied = true;
+            continue;
+        }
+        if (errno == EINTR)
+            continue;
+        if (!copied && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP))
+            return -1;
+        return errno;
+    }
+#else
+    Q_UNUSED(in);
+    Q_UNUSED(out);
+    return -1;
+#endif
+}
+
+// 0, or the system's error.
+int CopyThroughMemory(int in, int out)
+{
+    std::vector<char> buffer(1 << 20);
+    for (;;) {
+        const ssize_t got = ::read(in, buffer.data(), buffer.size());
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return got < 0 ? errno : 0;
+        if (const int error = WriteAll(out, buffer.data(), got))
+            return error;
+    }
+}
+
 // Copies `from` into `partial`, synced to the disk, with the source's permissions so that
 // a private file's versions stay private. 0, or the system's error.
 int CopyBytes(const QByteArray& from, const QByteArray& partial)
@@ -97,19 +140,9 @@ int CopyBytes(const QByteArray& from, const QByteArray& partial)
         ::close(in);
         return error;
     }
-    int error = 0;
-    std::vector<char> buffer(1 << 20);
-    for (;;) {
-        const ssize_t got = ::read(in, buffer.data(), buffer.size());
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0) {
-            error = got < 0 ? errno : 0;
-            break;
-        }
-        if ((error = WriteAll(out, buffer.data(), got)) != 0)
-            break;
-    }
+    int error = KernelCopy(in, out);
+    if (error < 0)
+        error = CopyThroughMemory(in, out);
     // Bytes the disk never took must not become a version.
     if (!error && ::fsync(out) != 0 && errno != EINVAL && errno != ENOTSUP)
         error = errno;

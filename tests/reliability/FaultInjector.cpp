@@ -32,6 +32,8 @@ struct State
     int error = 0;
     bool shortWrite = false;
     bool sticky = false;
+    Call refused = Call::Count;
+    int refusedError = 0;
     std::atomic<bool> fired{false};
     std::atomic<bool> watchedFd[MaxFd] = {};
 };
@@ -81,6 +83,13 @@ bool WatchedFd(int fd)
 bool Trip(Call call, bool* shortWrite = nullptr)
 {
     State& s = S();
+    {
+        std::lock_guard guard(s.lock);
+        if (s.refused == call) {
+            errno = s.refusedError;
+            return true;
+        }
+    }
     const int count = ++s.counts[int(call)];
     std::lock_guard guard(s.lock);
     if (s.armed != call || count < s.nth || (count > s.nth && !s.sticky))
@@ -147,8 +156,17 @@ void Watch(const std::string& folder)
     for (auto& w : s.watchedFd)
         w = false;
     s.armed = Call::Count;
+    s.refused = Call::Count;
     s.fired = false;
     s.watching = !s.folder.empty();
+}
+
+void Refuse(Call call, int error)
+{
+    State& s = S();
+    std::lock_guard guard(s.lock);
+    s.refused = call;
+    s.refusedError = error;
 }
 
 void Arm(Call call, int nth, int error, bool shortWrite, bool sticky)
@@ -172,6 +190,7 @@ void Reset()
     s.watching = false;
     s.folder.clear();
     s.armed = Call::Count;
+    s.refused = Call::Count;
     s.fired = false;
 }
 

@@ -115,7 +115,12 @@ SweepResult Sweep(const SweepWriter& writer)
     writer.prepare();
     // Counted, not named: some writers name their files afresh each time.
     const qsizetype entriesBefore = Entries(writer.folder).size();
-    FaultInjector::Watch(folder);
+    const auto watch = [&] {
+        FaultInjector::Watch(folder);
+        if (writer.refuse != Call::Count)
+            FaultInjector::Refuse(writer.refuse, writer.refuseError);
+    };
+    watch();
     const bool cleanOk = writer.save();
     for (int k = 0; k < int(Call::Count); ++k)
         result.calls[k] = FaultInjector::Calls(Call(k));
@@ -133,7 +138,7 @@ SweepResult Sweep(const SweepWriter& writer)
             if (places > MaxPlacesPerCall && nth > MaxPlacesPerCall / 2 && nth <= places - MaxPlacesPerCall / 2)
                 continue;
             writer.prepare();
-            FaultInjector::Watch(folder);
+            watch();
             FaultInjector::Arm(fault.call, nth, fault.error, fault.shortWrite, fault.sticky);
             const bool ok = writer.save();
             const bool fired = FaultInjector::Fired();

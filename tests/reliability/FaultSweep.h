@@ -26,6 +26,10 @@ struct SweepWriter
     // False for a writer we don't own whose success flag is loose: then only the file is
     // judged (old or new bytes, whatever the save said) and nothing left behind.
     bool judgeReport = true;
+    // A call the file system doesn't offer, refused with `refuseError` on every run, so
+    // that the writer's other way is swept (Call::Count: none).
+    FaultInjector::Call refuse = FaultInjector::Call::Count;
+    int refuseError = 0;
     std::function<void()> prepare;  // puts `before` in place and readies the writer
     std::function<bool()> save;     // true when the writer reports success
     // Further checks after each run (the message shown, the modified flag); returns a

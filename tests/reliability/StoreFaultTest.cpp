@@ -18,6 +18,8 @@
 
 namespace {
 
+using FaultInjector::Call;
+
 QByteArray Text(int lines, const char* word)
 {
     QByteArray text;
@@ -27,13 +29,14 @@ QByteArray Text(int lines, const char* word)
 }
 
 // One row: how many versions to keep, the folder's next number as the settings hold it,
-// and the versions there after a good save.
+// the versions there after a good save, and whether the kernel may copy the bytes.
 struct BackupCase
 {
     const char* name;
     int versions;
     int nextNumber;
     QStringList kept;
+    bool kernelCopy = true;
 };
 
 class BackupFaults : public ::testing::TestWithParam<BackupCase>
@@ -62,15 +65,14 @@ TEST_P(BackupFaults, FailedVersionLeavesTheFileAndEveryVersionAndSaysSo)
     writer.after = Flatten(after);
     std::unique_ptr<CBackupStore> store;
     QStringList messages;
+    TestSupport::ClearSettings();
+    CRegistryStore().WriteProfileInt(CBackupStore::SettingsSection, QStringLiteral("NextFolderId"), 1);
+    CRegistryStore().WriteProfileInt(CBackupStore::FoldersSection, document, 0);
     writer.prepare = [&] {
-        TestSupport::ClearSettings();
         QDir(settings.BackupFolder).removeRecursively();
         for (const auto& [name, bytes] : before)
             TestSupport::WriteFile(QDir(folder).filePath(name), bytes);
-        CRegistryStore registry;
-        registry.WriteProfileInt(CBackupStore::SettingsSection, QStringLiteral("NextFolderId"), 1);
-        registry.WriteProfileInt(CBackupStore::FoldersSection, document, 0);
-        registry.WriteProfileInt(CBackupStore::FoldersSection, QStringLiteral("0"), c.nextNumber);
+        CRegistryStore().WriteProfileInt(CBackupStore::FoldersSection, QStringLiteral("0"), c.nextNumber);
         store = std::make_unique<CBackupStore>(settings);
         messages.clear();
         store->SetFailureHandler([&](const QString& text) { messages << text; });
@@ -78,6 +80,10 @@ TEST_P(BackupFaults, FailedVersionLeavesTheFileAndEveryVersionAndSaysSo)
         ASSERT_EQ(store->GetCount(), 1);
     };
     writer.save = [&] { return store->SaveVersion(); };
+    if (!c.kernelCopy) {
+        writer.refuse = Call::Copy;
+        writer.refuseError = EXDEV;
+    }
     writer.observe = [&] { return Flatten(ReadTree(folder)); };
     writer.check = [&](bool ok) -> std::string {
         static const QRegularExpression reason(QStringLiteral("^failed with error [1-9][0-9]*: \\S"));
@@ -94,18 +100,21 @@ TEST_P(BackupFaults, FailedVersionLeavesTheFileAndEveryVersionAndSaysSo)
         }
         return {};
     };
-    ExpectSweep(c.name, Sweep(writer));
+    ExpectSweep(c.name, Sweep(writer), c.kernelCopy ? Call::Copy : Call::Write);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Stores, BackupFaults,
     ::testing::Values(BackupCase{"backup version", 5, 1, {QStringLiteral("0"), QStringLiteral("1")}},
                       // The only version is dropped only once the new one is whole.
-                      BackupCase{"backup version, keep one", 1, 1, {QStringLiteral("1")}},
+                      BackupCase{"backup, keep one", 1, 1, {QStringLiteral("1")}},
                       // Settings that lost a write (or were restored from an older copy)
                       // must not make the new version overwrite an old one.
-                      BackupCase{"backup version, stale number", 5, 0,
-                                 {QStringLiteral("0"), QStringLiteral("1")}}),
+                      BackupCase{"backup, stale number", 5, 0,
+                                 {QStringLiteral("0"), QStringLiteral("1")}},
+                      // A file system the kernel can't copy within: through memory.
+                      BackupCase{"backup, no kernel copy", 5, 1,
+                                 {QStringLiteral("0"), QStringLiteral("1")}, false}),
     [](const auto& info) {
         return QString::fromLatin1(info.param.name).replace(QRegularExpression(QStringLiteral("\\W+")),
                                                             QStringLiteral("_")).toStdString();
