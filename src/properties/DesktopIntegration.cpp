@@ -18,8 +18,8 @@ QString DataHome()
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }
 
-// Makes a folder with its parents; returns those that were missing, outermost first,
-// so that a failed install can take them away again.
+// Makes a folder with its parents and adds those that were missing to `made`, outermost
+// first, so that a failed install can take them away again.
 bool MakeFolders(const QString& folder, QStringList& made, QString* error)
 {
     QStringList missing;
