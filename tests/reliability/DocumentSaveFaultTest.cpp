@@ -9,16 +9,6 @@
 
 namespace {
 
-using FaultInjector::Call;
-
-QByteArray Lines(int count, const char* word)
-{
-    QByteArray text;
-    for (int i = 0; i < count; ++i)
-        text += word + QByteArray::number(i) + " the quick brown fox\n";
-    return text;
-}
-
 using DocumentSaveFaults = DocumentFixture;
 
 TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)

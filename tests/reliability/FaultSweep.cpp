@@ -238,3 +238,11 @@ QByteArray Flatten(const FileTree& tree)
         flat += name.toUtf8() + " (" + QByteArray::number(bytes.size()) + "): " + bytes + '\n';
     return flat;
 }
+
+QByteArray Lines(int count, const char* word)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += word + QByteArray::number(i) + " the quick brown fox jumps over the lazy dog\n";
+    return text;
+}

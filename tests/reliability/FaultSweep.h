@@ -63,6 +63,9 @@ using FileTree = std::map<QString, QByteArray>;
 FileTree ReadTree(const QString& folder);
 QByteArray Flatten(const FileTree& tree);
 
+// `count` numbered lines that start with `word`: text large enough to take several writes.
+QByteArray Lines(int count, const char* word);
+
 // A writer of the file `name` in `folder` that is put back to `before` before every run;
 // the caller adds the save.
 SweepWriter FileWriter(const QString& folder, const QString& name, QByteArray before, QByteArray after);

@@ -25,10 +25,7 @@ QByteArray Stable(const QByteArray& pdf)
 TEST(PdfExportFaults, AnEarlierExportStaysOrIsReplacedWhole)
 {
     QsciScintillaBase editor;
-    QByteArray text;
-    for (int i = 0; i < 3000; ++i)
-        text += "line " + QByteArray::number(i) + " of a listing long enough for many pages\n";
-    editor.SendScintilla(QsciScintillaBase::SCI_SETTEXT, text.constData());
+    editor.SendScintilla(QsciScintillaBase::SCI_SETTEXT, Lines(3000, "line ").constData());
 
     const auto exportTo = [&](const QString& path, QString* error) {
         return PdfExport::Write(editor, PrintOptions(), QStringLiteral("listing"), path, {}, error);

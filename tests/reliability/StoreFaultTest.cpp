@@ -20,14 +20,6 @@ namespace {
 
 using FaultInjector::Call;
 
-QByteArray Text(int lines, const char* word)
-{
-    QByteArray text;
-    for (int i = 0; i < lines; ++i)
-        text += word + QByteArray::number(i) + " jumps over the lazy dog\n";
-    return text;
-}
-
 // One row: how many versions to keep, the folder's next number as the settings hold it,
 // the versions there after a good save, and whether the kernel may copy the bytes.
 struct BackupCase
@@ -48,8 +40,8 @@ TEST_P(BackupFaults, FailedVersionLeavesTheFileAndEveryVersionAndSaysSo)
     const BackupCase& c = GetParam();
     const QString folder = TestSupport::MakeTempDir();
     const QString document = QDir(folder).filePath(QStringLiteral("chapter.txt"));
-    const QByteArray current = Text(60000, "saved"); // more than one write
-    const QByteArray older = Text(500, "older");
+    const QByteArray current = Lines(40000, "saved"); // more than one write
+    const QByteArray older = Lines(500, "older");
     MainFrameSettings settings;
     settings.BackupFolder = QDir(folder).filePath(QStringLiteral("backup"));
     settings.Versions = c.versions;
@@ -152,8 +144,8 @@ TEST_P(RecoveryFaults, CopyIsKeptOrReplacedWholeAndNeverOfferedTorn)
     const RecoveryEntry entry = Described(QStringLiteral("doc7"));
     SweepWriter writer;
     writer.folder = folder;
-    writer.before = hadCopy ? Text(2000, "typed") : QByteArray();
-    writer.after = Text(3000, "retyped");
+    writer.before = hadCopy ? Lines(2000, "typed") : QByteArray();
+    writer.after = Lines(3000, "retyped");
     QString error;
     writer.prepare = [&] {
         QDir(folder).removeRecursively();
