@@ -257,6 +257,10 @@ void CBackupStore::Attach(const QString& path)
     int id = store.GetProfileInt(FoldersSection, path, -1);
     if (id == -1) {
         id = store.GetProfileInt(SettingsSection, kNextFolderId, 0);
+        // A folder that is there belongs to another file, whatever settings that lost a
+        // write say: sharing it would list that file's versions here and trim them.
+        while (id >= 0 && id < std::numeric_limits<int>::max() && QFileInfo::exists(NumberedPath(m_settings.BackupFolder, id)))
+            ++id;
         store.WriteProfileInt(SettingsSection, kNextFolderId, id + 1);
         store.WriteProfileInt(FoldersSection, path, id);
     }
