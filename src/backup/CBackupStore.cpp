@@ -259,7 +259,8 @@ void CBackupStore::Attach(const QString& path)
         id = store.GetProfileInt(SettingsSection, kNextFolderId, 0);
         // A folder that is there belongs to another file, whatever settings that lost a
         // write say: sharing it would list that file's versions here and trim them.
-        while (id >= 0 && id < std::numeric_limits<int>::max() && QFileInfo::exists(NumberedPath(m_settings.BackupFolder, id)))
+        while (id >= 0 && id < std::numeric_limits<int>::max()
+               && QFileInfo::exists(NumberedPath(m_settings.BackupFolder, id)))
             ++id;
         store.WriteProfileInt(SettingsSection, kNextFolderId, id + 1);
         store.WriteProfileInt(FoldersSection, path, id);

@@ -420,8 +420,8 @@ TEST_F(BackupStoreTest, CopyCutShortIsNeitherListedNorLeftBehind)
     ASSERT_TRUE(store.SaveVersion());
     EXPECT_EQ(EntryNames(store), (QStringList{QStringLiteral("0"), QStringLiteral("1")}));
     EXPECT_EQ(ReadFile(folder + QStringLiteral("/1")), QByteArray("secret"));
-    EXPECT_EQ(QFileInfo(folder + QStringLiteral("/1")).permissions() & (QFileDevice::ReadOther | QFileDevice::ReadGroup),
-              QFileDevice::Permissions());
+    const auto others = QFileDevice::ReadOther | QFileDevice::ReadGroup;
+    EXPECT_EQ(QFileInfo(folder + QStringLiteral("/1")).permissions() & others, QFileDevice::Permissions());
     store.OnDocumentClose();
     EXPECT_FALSE(QFileInfo::exists(folder));
 }

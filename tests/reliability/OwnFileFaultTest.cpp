@@ -48,16 +48,15 @@ TEST_P(DesktopEntryFaults, InstallLeavesBothFilesAsTheyWereOrBothNew)
     };
     SweepWriter writer;
     writer.folder = data.Path();
-    writer.before = reinstall ? both(DesktopIntegration::EntryText(QStringLiteral("/usr/bin/morvane")), QStringLiteral("old"))
-                              : both({}, {});
+    const QString oldEntry = DesktopIntegration::EntryText(QStringLiteral("/usr/bin/morvane"));
+    writer.before = reinstall ? both(oldEntry, QStringLiteral("old")) : both({}, {});
     writer.after = both(DesktopIntegration::EntryText(newProgram), DesktopIntegration::MimePackageText());
     QString error;
     writer.prepare = [&] {
         QDir(data.Path()).removeRecursively();
         QDir().mkpath(data.Path());
         if (reinstall) {
-            TestSupport::WriteFile(DesktopIntegration::EntryPath(),
-                                   DesktopIntegration::EntryText(QStringLiteral("/usr/bin/morvane")).toUtf8());
+            TestSupport::WriteFile(DesktopIntegration::EntryPath(), oldEntry.toUtf8());
             TestSupport::WriteFile(DesktopIntegration::MimePackagePath(), "old");
         }
         error.clear();
@@ -93,7 +92,9 @@ TEST(SettingsFaults, AFailedWriteKeepsTheSettingsFileAndSaysSo)
     // The toolkit writes the store; what it reports is looser than our own writers (a
     // failed read of the old file counts as a failed write, a failed sync is ignored).
     writer.judgeReport = false;
-    writer.save = [&] { return CRegistryStore().WriteProfileInt(QStringLiteral("BackupFolders"), QStringLiteral("7"), 12); };
+    writer.save = [] {
+        return CRegistryStore().WriteProfileInt(QStringLiteral("BackupFolders"), QStringLiteral("7"), 12);
+    };
     ExpectSweep("settings", Sweep(writer));
 }
 
