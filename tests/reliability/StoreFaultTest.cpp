@@ -31,6 +31,11 @@ struct BackupCase
     bool kernelCopy = true;
 };
 
+void PrintTo(const BackupCase& c, std::ostream* out)
+{
+    *out << c.name;
+}
+
 class BackupFaults : public ::testing::TestWithParam<BackupCase>
 {
 };
