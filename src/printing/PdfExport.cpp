@@ -1,5 +1,7 @@
 #include "PdfExport.h"
 
+#include "editor/DiskSync.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -12,6 +14,51 @@
 #include <system_error>
 
 namespace PdfExport {
+
+namespace {
+
+// The PDF engine doesn't report a failed write, and a file missing a piece still ends
+// like a PDF; but its cross-reference table, which gives the place of every object, no
+// longer matches the bytes around it.
+bool IsWhole(const QByteArray& pdf)
+{
+    if (!pdf.startsWith("%PDF-") || !pdf.trimmed().endsWith("%%EOF"))
+        return false;
+    const qsizetype mark = pdf.lastIndexOf("startxref");
+    bool ok = false;
+    const qsizetype table = mark < 0 ? -1 : pdf.mid(mark + 9, 24).trimmed().split('\n').value(0).toLongLong(&ok);
+    if (!ok || table <= 0 || table >= mark || !pdf.mid(table, 4).startsWith("xref"))
+        return false;
+    const QList<QByteArray> lines = pdf.mid(table, mark - table).split('\n');
+    const QList<QByteArray> section = lines.value(1).trimmed().split(' ');
+    const int count = section.value(1).toInt(&ok);
+    if (!ok || section.value(0) != "0" || count < 1 || lines.size() < count + 3)
+        return false;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray entry = lines.at(i + 2).trimmed();
+        if (entry.endsWith(" f"))
+            continue;
+        const qsizetype at = entry.left(10).toLongLong(&ok);
+        if (!ok || !entry.endsWith(" n") || !pdf.mid(at, 24).startsWith(QByteArray::number(i) + " 0 obj"))
+            return false;
+    }
+    return lines.at(count + 2).trimmed().startsWith("trailer");
+}
+
+// Reads back what the engine wrote and puts it on the disk; the reason when it isn't
+// whole or can't be synced.
+QString Confirm(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return file.errorString();
+    if (!IsWhole(file.readAll()))
+        return QCoreApplication::translate("PdfExport", "The file could not be written whole.");
+    QString reason;
+    return SyncToDisk(file.handle(), &reason) ? QString() : reason;
+}
+
+} // namespace
 
 bool Write(QsciScintillaBase& editor, const PrintOptions& options, const QString& headerName,
            const QString& path, const CPrintJob::Progress& progress, QString* error,
@@ -50,6 +97,12 @@ bool Write(QsciScintillaBase& editor, const PrintOptions& options, const QString
     if (QFileInfo(temp.fileName()).size() == 0) {
         if (error)
             *error = QCoreApplication::translate("PdfExport", "Nothing could be written.");
+        return false;
+    }
+    // What replaces an earlier export must have reached the disk whole.
+    if (const QString reason = Confirm(temp.fileName()); !reason.isEmpty()) {
+        if (error)
+            *error = reason;
         return false;
     }
     std::error_code code;

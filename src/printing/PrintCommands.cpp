@@ -202,8 +202,10 @@ public:
         const bool ok = PdfExport::Write(*editor, Options(), HeaderName(frame), path,
                                          MakeProgress(dialog), &error);
         m_shell.Progress().StopProgress();
+        // Closing a progress dialog counts as cancelling it: ask first.
+        const bool cancelled = dialog.wasCanceled();
         dialog.close();
-        if (!ok && !dialog.wasCanceled())
+        if (!ok && !cancelled)
             QMessageBox::warning(m_shell.Window(), tr("Export as PDF"),
                                  tr("Cannot write \"%1\": %2").arg(path, error));
         else if (ok)

@@ -18,21 +18,43 @@ QString DataHome()
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
 }
 
-bool WriteFile(const QString& path, const QString& text, QString* error)
+// Makes a folder with its parents and adds those that were missing to `made`, outermost
+// first, so that a failed install can take them away again.
+bool MakeFolders(const QString& folder, QStringList& made, QString* error)
 {
-    if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
-        if (error)
-            *error = QStringLiteral("Cannot create the folder \"%1\"").arg(QFileInfo(path).absolutePath());
-        return false;
+    QStringList missing;
+    for (QString path = QDir::cleanPath(folder); !QFileInfo::exists(path);) {
+        missing.prepend(path);
+        const QString parent = QFileInfo(path).path();
+        if (parent == path)
+            break;
+        path = parent;
     }
+    made += missing;
+    if (QDir().mkpath(folder))
+        return true;
+    if (error)
+        *error = QStringLiteral("Cannot create the folder \"%1\"").arg(folder);
+    return false;
+}
+
+// Writes the bytes beside the file and syncs them, without replacing the file yet.
+bool Stage(QSaveFile& file, const QByteArray& bytes, QString* error)
+{
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush()) {
+        if (SyncToDisk(file.handle(), error))
+            return true;
+    } else if (error) {
+        *error = file.errorString();
+    }
+    file.cancelWriting();
+    return false;
+}
+
+bool WriteFile(const QString& path, const QByteArray& bytes, QString* error)
+{
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0) {
-        if (error)
-            *error = file.errorString();
-        file.cancelWriting();
-        return false;
-    }
-    return CommitToDisk(file, error);
+    return Stage(file, bytes, error) && CommitToDisk(file, error);
 }
 
 // The desktop's caches; without the tools the files are still found at the next login.
@@ -119,9 +141,41 @@ bool IsInstalled()
 
 bool Install(const QString& executable, QString* error)
 {
-    if (!WriteFile(MimePackagePath(), MimePackageText(), error)
-        || !WriteFile(EntryPath(), EntryText(executable), error))
+    // Both files or neither: both are written and synced before either replaces the old
+    // one, and a package that went in before the entry failed is taken back.
+    const QString packagePath = MimePackagePath();
+    const bool hadPackage = QFileInfo::exists(packagePath);
+    QByteArray oldPackage;
+    if (hadPackage) {
+        QFile old(packagePath);
+        if (!old.open(QIODevice::ReadOnly)) {
+            if (error)
+                *error = old.errorString();
+            return false;
+        }
+        oldPackage = old.readAll();
+    }
+    QStringList made;
+    QSaveFile package(packagePath);
+    QSaveFile entry(EntryPath());
+    bool ok = MakeFolders(QFileInfo(packagePath).absolutePath(), made, error)
+        && MakeFolders(QFileInfo(EntryPath()).absolutePath(), made, error)
+        && Stage(package, MimePackageText().toUtf8(), error) && Stage(entry, EntryText(executable).toUtf8(), error);
+    if (ok && !CommitToDisk(package, error)) {
+        entry.cancelWriting();
+        ok = false;
+    } else if (ok && !CommitToDisk(entry, error)) {
+        if (hadPackage)
+            WriteFile(packagePath, oldPackage, nullptr);
+        else
+            QFile::remove(packagePath);
+        ok = false;
+    }
+    if (!ok) {
+        for (auto it = made.crbegin(); it != made.crend(); ++it)
+            QDir().rmdir(*it);
         return false;
+    }
     Refresh(QDir(DataHome()).filePath(QStringLiteral("mime")), "update-mime-database");
     Refresh(QFileInfo(EntryPath()).absolutePath(), "update-desktop-database");
     return true;

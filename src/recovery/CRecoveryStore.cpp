@@ -150,6 +150,13 @@ bool CRecoveryStore::WriteNow(const QString& folder, const RecoveryEntry& entry,
     }
     if (!oldText.isEmpty() && oldText != textName)
         QFile::remove(dir.filePath(oldText));
+    // Texts of this document that no description names any more: the old description
+    // may have been unreadable, or an earlier run stopped between its steps.
+    const QStringList texts = dir.entryList({entry.id + QStringLiteral(".*.txt")}, QDir::Files);
+    for (const QString& stale : texts) {
+        if (stale != textName)
+            QFile::remove(dir.filePath(stale));
+    }
     return true;
 }
 

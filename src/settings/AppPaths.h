@@ -18,7 +18,8 @@ QString DefaultTemplatesFolder();
 QString ShippedDataFolder();
 
 // Copies the shipped `subfolder` into `target` when `target` holds no file yet.
-// Existing files are never overwritten. Returns false when the target can't be made.
+// Existing files are never overwritten. Returns false when the target can't be made or
+// a copy failed; then the target is left empty (or not there, as before).
 bool FillFromShipped(const QString& target, const QString& subfolder);
 
 } // namespace AppPaths

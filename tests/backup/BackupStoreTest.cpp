@@ -374,6 +374,58 @@ TEST_F(BackupStoreTest, ReloadDoesNotListAVersionTwice)
     EXPECT_EQ(store.GetCount(), 1);
 }
 
+// Settings that lost their writes (or were put back from an older copy) must not make
+// a new file share a folder, nor a new version replace an old one.
+TEST_F(BackupStoreTest, NumbersInUseOnDiskAreNotHandedOutAgain)
+{
+    settings.Versions = 1;
+    const QString a = Source(QStringLiteral("a.txt"));
+    WriteFile(a, "a0");
+    CBackupStore storeA(settings);
+    storeA.Attach(a);
+    Save(storeA, a, "a1");
+    Save(storeA, a, "a2");
+    TestSupport::ClearSettings();
+
+    const QString b = Source(QStringLiteral("b.txt"));
+    WriteFile(b, "b0");
+    CBackupStore storeB(settings);
+    storeB.Attach(b);
+    Save(storeB, b, "b1");
+    EXPECT_EQ(storeB.GetFolderId(), 1);
+    EXPECT_EQ(EntryNames(storeB), QStringList{QStringLiteral("0")});
+    EXPECT_EQ(ReadFile(Root() + QStringLiteral("/0/1")), QByteArray("a1"));
+    // The folder's counter is gone as well: the next version goes past what is there.
+    storeA.ApplySettings();
+    ASSERT_TRUE(storeA.SaveVersion());
+    EXPECT_EQ(FilesIn(Root() + QStringLiteral("/0")), QStringList{QStringLiteral("2")});
+}
+
+// A crash in the middle of a copy leaves "<n>.part": it is no version, it doesn't stop
+// the folder from going, and the versions of a private file stay private.
+TEST_F(BackupStoreTest, CopyCutShortIsNeitherListedNorLeftBehind)
+{
+    settings.Versions = 5;
+    settings.DeleteOnExit = 1;
+    const QString path = Source(QStringLiteral("f.txt"));
+    WriteFile(path, "secret");
+    QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    const QString folder = Root() + QStringLiteral("/0");
+    WriteFile(folder + QStringLiteral("/0"), "v0");
+    WriteFile(folder + QStringLiteral("/1.part"), "half");
+    CRegistryStore().WriteProfileInt(CBackupStore::FoldersSection, path, 0);
+    CBackupStore store(settings);
+    store.Attach(path);
+    EXPECT_EQ(EntryNames(store), QStringList{QStringLiteral("0")});
+    ASSERT_TRUE(store.SaveVersion());
+    EXPECT_EQ(EntryNames(store), (QStringList{QStringLiteral("0"), QStringLiteral("1")}));
+    EXPECT_EQ(ReadFile(folder + QStringLiteral("/1")), QByteArray("secret"));
+    const auto others = QFileDevice::ReadOther | QFileDevice::ReadGroup;
+    EXPECT_EQ(QFileInfo(folder + QStringLiteral("/1")).permissions() & others, QFileDevice::Permissions());
+    store.OnDocumentClose();
+    EXPECT_FALSE(QFileInfo::exists(folder));
+}
+
 TEST(BackupTimeTextTest, MonthNamesAreEnglishAndOutOfRangeIsEmpty)
 {
     EXPECT_EQ(BackupTimeText::MonthName(1), QStringLiteral("January"));

@@ -9,44 +9,20 @@
 
 namespace {
 
-using FaultInjector::Call;
-
-QByteArray Lines(int count, const char* word)
-{
-    QByteArray text;
-    for (int i = 0; i < count; ++i)
-        text += word + QByteArray::number(i) + " the quick brown fox\n";
-    return text;
-}
-
-void Report(const char* name, const SweepResult& result)
-{
-    CountSweep(name, result);
-    for (const std::string& problem : result.problems)
-        ADD_FAILURE() << name << ": " << problem;
-    EXPECT_GT(result.calls[int(Call::Write)], 0);
-    EXPECT_GT(result.cases, 5);
-    EXPECT_EQ(result.intact, result.cases);
-    EXPECT_GT(result.failed, result.cases / 2);
-}
-
 using DocumentSaveFaults = DocumentFixture;
 
 TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
 {
-    const QString path = Path(QStringLiteral("story.txt"));
-    SweepWriter writer;
-    writer.folder = m_dir;
-    writer.target = path;
-    writer.before = Lines(3000, "old");
-    writer.after = Lines(4000, "new");
+    SweepWriter writer = FileWriter(m_dir, QStringLiteral("story.txt"), Lines(3000, "old"), Lines(4000, "new"));
+    const QString path = writer.target;
+    const auto putBack = writer.prepare;
     CScrivelDoc* document = nullptr;
     qsizetype shown = 0;
     // A fresh document each time: one whose file was rewritten behind its back would
     // rightly ask before saving over it.
     writer.prepare = [&] {
         CloseAll();
-        TestSupport::WriteFile(path, writer.before);
+        putBack();
         document = Open(path);
         ASSERT_NE(document, nullptr);
         Retype(document, writer.after);
@@ -65,7 +41,7 @@ TEST_F(DocumentSaveFaults, TextDocumentKeepsFileAndChangesAndSaysSo)
             return "the text in the editor changed";
         return {};
     };
-    Report("text document", Sweep(writer));
+    ExpectSweep("text document", Sweep(writer));
 }
 
 // The hex document with its messages recorded instead of shown.
@@ -80,19 +56,15 @@ protected:
 
 TEST_F(DocumentSaveFaults, HexDocumentKeepsFileAndChangesAndSaysSo)
 {
-    const QString path = Path(QStringLiteral("blob.bin"));
-    SweepWriter writer;
-    writer.folder = m_dir;
-    writer.target = path;
-    writer.before = QByteArray(150000, '\x01');
-    writer.after = writer.before;
-    writer.after.replace(70000, 3, "\xDE\xAD\xBE");
-    writer.after.insert(0, "MAGIC");
-
+    const QByteArray before(150000, '\x01');
+    SweepWriter writer = FileWriter(m_dir, QStringLiteral("blob.bin"), before,
+                                    "MAGIC" + QByteArray(before).replace(70000, 3, "\xDE\xAD\xBE"));
+    const QString path = writer.target;
+    const auto putBack = writer.prepare;
     std::unique_ptr<RecordingHexDocument> document;
     writer.prepare = [&] {
         document.reset();
-        TestSupport::WriteFile(path, writer.before);
+        putBack();
         document = std::make_unique<RecordingHexDocument>();
         ASSERT_TRUE(document->OnOpenDocument(path));
         document->SetPathName(path);
@@ -109,7 +81,7 @@ TEST_F(DocumentSaveFaults, HexDocumentKeepsFileAndChangesAndSaysSo)
             return "the edits were lost";
         return {};
     };
-    Report("hex document", Sweep(writer));
+    ExpectSweep("hex document", Sweep(writer));
     document.reset();
 }
 

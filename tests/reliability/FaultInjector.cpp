@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <mutex>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/uio.h>
@@ -31,6 +32,8 @@ struct State
     int error = 0;
     bool shortWrite = false;
     bool sticky = false;
+    Call refused = Call::Count;
+    int refusedError = 0;
     std::atomic<bool> fired{false};
     std::atomic<bool> watchedFd[MaxFd] = {};
 };
@@ -80,6 +83,13 @@ bool WatchedFd(int fd)
 bool Trip(Call call, bool* shortWrite = nullptr)
 {
     State& s = S();
+    {
+        std::lock_guard guard(s.lock);
+        if (s.refused == call) {
+            errno = s.refusedError;
+            return true;
+        }
+    }
     const int count = ++s.counts[int(call)];
     std::lock_guard guard(s.lock);
     if (s.armed != call || count < s.nth || (count > s.nth && !s.sticky))
@@ -146,8 +156,17 @@ void Watch(const std::string& folder)
     for (auto& w : s.watchedFd)
         w = false;
     s.armed = Call::Count;
+    s.refused = Call::Count;
     s.fired = false;
     s.watching = !s.folder.empty();
+}
+
+void Refuse(Call call, int error)
+{
+    State& s = S();
+    std::lock_guard guard(s.lock);
+    s.refused = call;
+    s.refusedError = error;
 }
 
 void Arm(Call call, int nth, int error, bool shortWrite, bool sticky)
@@ -171,6 +190,7 @@ void Reset()
     s.watching = false;
     s.folder.clear();
     s.armed = Call::Count;
+    s.refused = Call::Count;
     s.fired = false;
 }
 
@@ -292,6 +312,23 @@ ssize_t copy_file_range(int in, off64_t* inOffset, int out, off64_t* outOffset, 
     if (WatchedFd(out) && Trip(Call::Copy))
         return -1;
     return real(in, inOffset, out, outOffset, length, flags);
+}
+
+// The C++ library's file copy hands the bytes to the kernel this way.
+ssize_t sendfile(int out, int in, off_t* offset, size_t count)
+{
+    static const auto real = Next<ssize_t (*)(int, int, off_t*, size_t)>("sendfile");
+    if (WatchedFd(out) && Trip(Call::Copy))
+        return -1;
+    return real(out, in, offset, count);
+}
+
+ssize_t sendfile64(int out, int in, off64_t* offset, size_t count)
+{
+    static const auto real = Next<ssize_t (*)(int, int, off64_t*, size_t)>("sendfile64");
+    if (WatchedFd(out) && Trip(Call::Copy))
+        return -1;
+    return real(out, in, offset, count);
 }
 
 int fsync(int fd)

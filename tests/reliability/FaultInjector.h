@@ -26,6 +26,10 @@ void Watch(const std::string& folder);
 // writer must notice and continue.
 // With `sticky` every later call of the kind fails too: a mount gone read-only stays so.
 void Arm(Call call, int nth, int error, bool shortWrite = false, bool sticky = false);
+// Makes every watched call of kind `call` fail with `error`, the way a file system that
+// doesn't offer it answers; such calls are neither counted nor the armed fault. Lasts
+// until the next Watch or Reset.
+void Refuse(Call call, int error);
 // Stops watching and failing.
 void Reset();
 

@@ -1,6 +1,7 @@
 #include "FaultSweep.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -50,10 +51,22 @@ QByteArray Read(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
+// Everything below the folder, as paths relative to it.
 QStringList Entries(const QString& folder)
 {
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                                  QDir::Name);
+    const QDir root(folder);
+    QStringList names;
+    QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext())
+        names << root.relativeFilePath(it.next());
+    names.sort();
+    return names;
+}
+
+QByteArray Observe(const SweepWriter& writer)
+{
+    return writer.observe ? writer.observe() : Read(writer.target);
 }
 
 std::string Describe(const Fault& fault, int nth)
@@ -100,13 +113,21 @@ SweepResult Sweep(const SweepWriter& writer)
     // A clean run first: it must succeed, and it tells how many calls of each kind a
     // save makes.
     writer.prepare();
-    const QStringList entries = Entries(writer.folder);
-    FaultInjector::Watch(folder);
+    // Counted, not named: some writers name their files afresh each time.
+    const qsizetype entriesBefore = Entries(writer.folder).size();
+    const auto watch = [&] {
+        FaultInjector::Watch(folder);
+        if (writer.refuse != Call::Count)
+            FaultInjector::Refuse(writer.refuse, writer.refuseError);
+    };
+    watch();
     const bool cleanOk = writer.save();
     for (int k = 0; k < int(Call::Count); ++k)
         result.calls[k] = FaultInjector::Calls(Call(k));
     FaultInjector::Reset();
-    if (!cleanOk || Read(writer.target) != writer.after) {
+    // A good save may add files (a new version) but never leaves more than that.
+    const qsizetype entriesAfter = Entries(writer.folder).size();
+    if (!cleanOk || Observe(writer) != writer.after) {
         result.problems.push_back("the save without faults failed or wrote the wrong bytes");
         return result;
     }
@@ -117,7 +138,7 @@ SweepResult Sweep(const SweepWriter& writer)
             if (places > MaxPlacesPerCall && nth > MaxPlacesPerCall / 2 && nth <= places - MaxPlacesPerCall / 2)
                 continue;
             writer.prepare();
-            FaultInjector::Watch(folder);
+            watch();
             FaultInjector::Arm(fault.call, nth, fault.error, fault.shortWrite, fault.sticky);
             const bool ok = writer.save();
             const bool fired = FaultInjector::Fired();
@@ -129,9 +150,13 @@ SweepResult Sweep(const SweepWriter& writer)
             if (ok && std::getenv("MORVANE_SWEEP_VERBOSE"))
                 std::printf("  absorbed: %s\n", Describe(fault, nth).c_str());
 
-            const QByteArray now = Read(writer.target);
+            const QByteArray now = Observe(writer);
             std::string problem;
-            if (ok && now != writer.after)
+            if (!writer.judgeReport && (now == writer.before || now == writer.after))
+                ++result.intact;
+            else if (!writer.judgeReport)
+                problem = "the file holds neither its old bytes nor the new ones";
+            else if (ok && now != writer.after)
                 problem = "reported success but the file does not hold the new bytes";
             else if (!ok && now != writer.before)
                 problem = now == writer.after ? "wrote the file but reported failure"
@@ -143,10 +168,11 @@ SweepResult Sweep(const SweepWriter& writer)
             // left them at the mercy of the disk.
             const bool mustFail = (fault.call == Call::Write && !fault.shortWrite)
                 || fault.call == Call::Rename || (fault.call == Call::Sync && nth == 1);
-            if (problem.empty() && ok && mustFail)
+            if (problem.empty() && ok && mustFail && writer.judgeReport)
                 problem = "the failure was ignored and the save reported success";
-            if (problem.empty() && Entries(writer.folder) != entries)
-                problem = "left files behind: " + Entries(writer.folder).join(QLatin1Char(' ')).toStdString();
+            const QStringList left = Entries(writer.folder);
+            if (problem.empty() && left.size() != (ok ? entriesAfter : entriesBefore))
+                problem = "left files behind: " + left.join(QLatin1Char(' ')).toStdString();
             if (problem.empty() && writer.check)
                 problem = writer.check(ok);
             if (!problem.empty())
@@ -161,4 +187,62 @@ void CountSweep(const char* writer, const SweepResult& result)
     auto& counts = TheTotals().byWriter[writer];
     counts.first += result.cases;
     counts.second += result.intact;
+}
+
+void ExpectSweep(const char* writer, const SweepResult& result, Call mustReach)
+{
+    CountSweep(writer, result);
+    for (const std::string& problem : result.problems)
+        ADD_FAILURE() << writer << ": " << problem;
+    EXPECT_GT(result.calls[int(mustReach)], 0) << writer;
+    EXPECT_GT(result.cases, 5) << writer;
+    EXPECT_EQ(result.intact, result.cases) << writer;
+    EXPECT_GT(result.failed, result.cases / 2) << writer;
+    std::printf("%s: %d calls of open, %d of write, %d of sync, %d of rename, %d of link, %d of copy; "
+                "%d of %d faulted saves reported failure\n",
+                writer, result.calls[int(Call::Open)], result.calls[int(Call::Write)],
+                result.calls[int(Call::Sync)], result.calls[int(Call::Rename)], result.calls[int(Call::Link)],
+                result.calls[int(Call::Copy)], result.failed, result.cases);
+}
+
+SweepWriter FileWriter(const QString& folder, const QString& name, QByteArray before, QByteArray after)
+{
+    SweepWriter writer;
+    writer.folder = folder;
+    writer.target = QDir(folder).filePath(name);
+    writer.before = std::move(before);
+    writer.after = std::move(after);
+    writer.prepare = [target = writer.target, bytes = writer.before] {
+        QFile file(target);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)) << target.toStdString();
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    };
+    return writer;
+}
+
+FileTree ReadTree(const QString& folder)
+{
+    FileTree tree;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        tree[QDir(folder).relativeFilePath(path)] = Read(path);
+    }
+    return tree;
+}
+
+QByteArray Flatten(const FileTree& tree)
+{
+    QByteArray flat;
+    for (const auto& [name, bytes] : tree)
+        flat += name.toUtf8() + " (" + QByteArray::number(bytes.size()) + "): " + bytes + '\n';
+    return flat;
+}
+
+QByteArray Lines(int count, const char* word)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += word + QByteArray::number(i) + " the quick brown fox jumps over the lazy dog\n";
+    return text;
 }
