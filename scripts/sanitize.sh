@@ -4,10 +4,15 @@
 #
 #   scripts/sanitize.sh            every test, the interface included
 #   scripts/sanitize.sh --core     the widget-free libraries' tests and the fuzz corpora
-#                                  only (what CI runs: the whole suite under the
-#                                  sanitizers does not fit CI's time on two cores)
+#                                  only (what CI runs: from a cold start, the whole suite
+#                                  under the sanitizers after ./test.sh takes about half
+#                                  an hour on two cores, too close to CI's limit)
 #   extra arguments go to ctest, e.g. scripts/sanitize.sh --core -R textio
 #   MORVANE_JOBS=N sets how many compilers and tests run at once (default: every core)
+#
+# The build is a unity build linked by lld (see CMakeLists.txt) with line tables only for
+# debug information, which makes a cold build several times quicker while every report
+# still names file and line.
 #
 # Leaks inside the toolkit's own libraries (fonts, plugins, the platform) are listed in
 # scripts/lsan.supp; a leak of ours is never suppressed.
@@ -21,18 +26,22 @@ if [ "${1:-}" = "--core" ]; then scope=core; shift; fi
 if [ "${1:-}" = "--all" ]; then shift; fi
 
 flags="-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined"
+# Configured every time, so that a change of flags here reaches an existing build-asan/.
+launcher=()
+generator=()
 if [ ! -f "$build/CMakeCache.txt" ]; then
-    launcher=()
     command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-    generator=()
     command -v ninja >/dev/null && generator=(-G Ninja)
-    # -O1 keeps the run quick while the reports keep their line numbers.
-    cmake -S "$here" -B "$build" "${generator[@]}" "${launcher[@]}" \
-        -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g -O1" \
-        -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" \
-        -DCMAKE_SHARED_LINKER_FLAGS="-fsanitize=address,undefined" \
-        -DMORVANE_BUILD_BENCH=OFF >/dev/null
 fi
+# -O1 keeps the run quick; -g1 (line tables, no types or variables) makes compiling and
+# linking much cheaper while the reports keep their files and line numbers. The test
+# programs are linked at a fixed address: as position-independent programs each of the
+# thousand-odd test processes spent a tenth of a second relocating the sanitizers' tables.
+cmake -S "$here" -B "$build" "${generator[@]}" "${launcher[@]}" \
+    -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-g1 -O1" \
+    -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined -no-pie" \
+    -DCMAKE_SHARED_LINKER_FLAGS="-fsanitize=address,undefined" \
+    -DMORVANE_BUILD_BENCH=OFF >/dev/null
 if [ "$scope" = core ]; then
     cmake --build "$build" --parallel "$jobs" --target morvane_core_tests
     labels=(-L core)

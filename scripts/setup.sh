@@ -6,7 +6,8 @@ set -euo pipefail
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${MORVANE_BUILD_DIR:-$here/build}"
 
-packages=(build-essential cmake ninja-build pkg-config ccache
+# lld links the test programs several times faster than the default linker.
+packages=(build-essential cmake ninja-build pkg-config ccache lld
           qt6-base-dev qt6-base-dev-tools libgl-dev libqscintilla2-qt6-dev
           libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
           qt6-tools-dev qt6-tools-dev-tools poppler-utils
