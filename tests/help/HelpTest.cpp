@@ -117,9 +117,10 @@ TEST_F(HelpTest, EveryLinkBetweenPagesLeadsToAPageAndAnchorThatExist)
             const QUrl target = match.captured(1).isEmpty() ? url : url.resolved(QUrl(match.captured(1)));
             const QByteArray page = Page(target);
             ASSERT_FALSE(page.isEmpty()) << url.toString().toStdString() << " -> " << match.captured(0).toStdString();
-            if (!match.captured(2).isEmpty())
+            if (!match.captured(2).isEmpty()) {
                 EXPECT_TRUE(page.contains("id=\"" + match.captured(2).toUtf8() + "\""))
                     << url.toString().toStdString() << " -> " << match.captured(0).toStdString();
+            }
             ++links;
         }
     }

@@ -271,8 +271,6 @@ TEST_F(PrintJobTest, AnExportUsesTheChosenPaper)
     }
 }
 
-} // namespace
-
 // Counting the lines of plain pages must give the very pages the control lays out:
 // documents mixing lines that wrap, tabs, wider scripts and a last page ending exactly.
 struct CountedPagesCase
@@ -339,3 +337,5 @@ INSTANTIATE_TEST_SUITE_P(
                       CountedPagesCase{"longLinesOnly", QByteArray("x").repeated(300).append('\n').repeated(200), false, false},
                       CountedPagesCase{"noFinalNewline", NumberedLines(700).chopped(1), true, false}),
     [](const auto& info) { return std::string(info.param.name); });
+
+} // namespace

@@ -130,8 +130,8 @@ class StrangeFiles : public DocumentFixture, public ::testing::WithParamInterfac
 TEST_P(StrangeFiles, DocumentOpensOrRefusesWithoutWaiting)
 {
     const QString path = GetParam().make(m_dir);
-    if (path.isEmpty() || !QFileInfo(path).isSymLink() && !QFileInfo::exists(path)
-        && GetParam().expect == Expect::Read)
+    if (path.isEmpty() || (!QFileInfo(path).isSymLink() && !QFileInfo::exists(path)
+        && GetParam().expect == Expect::Read))
         GTEST_SKIP() << "this system can't make " << GetParam().name;
 
     CScrivelDoc* document = nullptr;

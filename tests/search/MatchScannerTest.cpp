@@ -20,8 +20,9 @@ std::string ScanInSteps(const std::string& text, const SearchQuery& query, qint6
         scanner.Step(read, step);
         EXPECT_GT(scanner.ScannedTo(), before);
         // A step ends at a line end, never inside a line.
-        if (!scanner.Done())
+        if (!scanner.Done()) {
             EXPECT_EQ(text[std::size_t(scanner.ScannedTo() - 1)], '\n');
+        }
         ++count;
     }
     if (steps)
