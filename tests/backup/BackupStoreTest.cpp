@@ -33,6 +33,14 @@ protected:
 
     QString Source(const QString& name) const { return m_dir + QLatin1Char('/') + name; }
     QString Root() const { return settings.BackupFolder; }
+    // A source file with its first text, opened in the store.
+    QString Opened(CBackupStore& store, const QString& name, const QByteArray& text) const
+    {
+        const QString path = Source(name);
+        WriteFile(path, text);
+        store.Attach(path);
+        return path;
+    }
     QStringList FilesIn(const QString& folder) const
     {
         QStringList names = QDir(folder).entryList(QDir::Files, QDir::Name);
@@ -346,11 +354,9 @@ TEST_F(BackupStoreTest, SwitchedOffStoreNeitherAttachesNorKeepsItsList)
 TEST_F(BackupStoreTest, SaveUnderANewNameKeepsTheOldVersionsInTheCount)
 {
     settings.Versions = 2;
-    const QString a = Source(QStringLiteral("a.txt"));
-    const QString b = Source(QStringLiteral("b.txt"));
-    WriteFile(a, "a0");
     CBackupStore store(settings);
-    store.Attach(a);
+    const QString a = Opened(store, QStringLiteral("a.txt"), "a0");
+    const QString b = Source(QStringLiteral("b.txt"));
     Save(store, a, "a1");
     Save(store, a, "a2");
     Save(store, b, "b0"); // Save As: attach to the new name, no version
@@ -365,10 +371,8 @@ TEST_F(BackupStoreTest, SaveUnderANewNameKeepsTheOldVersionsInTheCount)
 TEST_F(BackupStoreTest, ReloadDoesNotListAVersionTwice)
 {
     settings.Versions = 5;
-    const QString path = Source(QStringLiteral("f.txt"));
-    WriteFile(path, "v0");
     CBackupStore store(settings);
-    store.Attach(path);
+    const QString path = Opened(store, QStringLiteral("f.txt"), "v0");
     Save(store, path, "v1");
     store.Attach(path);
     EXPECT_EQ(store.GetCount(), 1);
@@ -379,18 +383,14 @@ TEST_F(BackupStoreTest, ReloadDoesNotListAVersionTwice)
 TEST_F(BackupStoreTest, NumbersInUseOnDiskAreNotHandedOutAgain)
 {
     settings.Versions = 1;
-    const QString a = Source(QStringLiteral("a.txt"));
-    WriteFile(a, "a0");
     CBackupStore storeA(settings);
-    storeA.Attach(a);
+    const QString a = Opened(storeA, QStringLiteral("a.txt"), "a0");
     Save(storeA, a, "a1");
     Save(storeA, a, "a2");
     TestSupport::ClearSettings();
 
-    const QString b = Source(QStringLiteral("b.txt"));
-    WriteFile(b, "b0");
     CBackupStore storeB(settings);
-    storeB.Attach(b);
+    const QString b = Opened(storeB, QStringLiteral("b.txt"), "b0");
     Save(storeB, b, "b1");
     EXPECT_EQ(storeB.GetFolderId(), 1);
     EXPECT_EQ(EntryNames(storeB), QStringList{QStringLiteral("0")});
