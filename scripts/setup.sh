@@ -9,7 +9,7 @@ build="${MORVANE_BUILD_DIR:-$here/build}"
 # lld links the test programs several times faster than the default linker.
 packages=(build-essential cmake ninja-build pkg-config ccache lld
           qt6-base-dev qt6-base-dev-tools libgl-dev libqscintilla2-qt6-dev
-          libpugixml-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
+          libpugixml-dev zlib1g-dev googletest libgtest-dev libgmock-dev libbenchmark-dev
           qt6-tools-dev qt6-tools-dev-tools poppler-utils
           adwaita-icon-theme hicolor-icon-theme)
 
