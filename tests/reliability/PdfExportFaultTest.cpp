@@ -25,7 +25,7 @@ QByteArray Stable(const QByteArray& pdf)
 TEST(PdfExportFaults, AnEarlierExportStaysOrIsReplacedWhole)
 {
     QsciScintillaBase editor;
-    editor.SendScintilla(QsciScintillaBase::SCI_SETTEXT, Lines(3000, "line ").constData());
+    editor.SendScintilla(QsciScintillaBase::SCI_SETTEXT, Lines(800, "line ").constData());
 
     const auto exportTo = [&](const QString& path, QString* error) {
         return PdfExport::Write(editor, PrintOptions(), QStringLiteral("listing"), path, {}, error);
