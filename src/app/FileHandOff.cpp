@@ -5,6 +5,7 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMap>
+#include <QStandardPaths>
 
 namespace {
 const QString kSection = QStringLiteral("FilesToOpen");
@@ -19,10 +20,18 @@ FileHandOff::~FileHandOff() = default;
 
 QString FileHandOff::ServerName()
 {
+#if defined(Q_OS_UNIX)
+    // A bare name would put the socket in the shared temporary folder, where anything
+    // else started by the same user under that name (a test run beside the program) can
+    // take it over; the runtime folder belongs to this user and this session.
+    const QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (!runtime.isEmpty())
+        return runtime + QStringLiteral("/morvane-hand-off");
+#endif
     QString user = qEnvironmentVariable("USER");
     if (user.isEmpty())
         user = qEnvironmentVariable("USERNAME");
-    // The runtime folder is per user; the name alone keeps users apart where it isn't.
+    // Pipe names are machine-wide; the user's name keeps users apart.
     return QStringLiteral("morvane-%1").arg(user.isEmpty() ? QStringLiteral("user") : user);
 }
 

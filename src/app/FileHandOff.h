@@ -6,8 +6,9 @@
 class QLocalServer;
 
 // Files handed over by other processes: they write one value per file into the
-// settings section "FilesToOpen" and then connect to a local socket named for this
-// user; any connection makes the running program look at the section.
+// settings section "FilesToOpen" and then connect to a local socket in this user's
+// runtime folder (a pipe named for the user where there is none); any connection makes
+// the running program look at the section.
 class FileHandOff : public QObject
 {
     Q_OBJECT

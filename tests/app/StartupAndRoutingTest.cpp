@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTest>
 
 namespace {
@@ -80,6 +81,28 @@ TEST_F(StartupTest, HandOffThroughTheSocketOpensTheFiles)
     ASSERT_TRUE(FileHandOff::Notify());
     QTRY_VERIFY_WITH_TIMEOUT(Paths().contains(a), 5000);
     EXPECT_FALSE(FileHandOff::HasPending());
+}
+
+// A program of another session (another runtime folder), or a test run beside the
+// user's own program, neither hears nor takes over this one's socket.
+TEST(FileHandOffTest, OnlyAProgramOfTheSameRuntimeFolderIsReached)
+{
+    const QByteArray own = qgetenv("XDG_RUNTIME_DIR");
+    const auto restore = qScopeGuard([&] { qputenv("XDG_RUNTIME_DIR", own); });
+    FileHandOff listening;
+    ASSERT_TRUE(listening.Listen());
+    EXPECT_TRUE(FileHandOff::Notify());
+
+    const QString other = TestSupport::MakeTempDir();
+    QFile::setPermissions(other, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(other));
+    EXPECT_FALSE(FileHandOff::Notify(200)) << "nothing listens in the other folder";
+    FileHandOff second;
+    ASSERT_TRUE(second.Listen());
+    EXPECT_TRUE(FileHandOff::Notify());
+
+    qputenv("XDG_RUNTIME_DIR", own);
+    EXPECT_TRUE(FileHandOff::Notify()) << "the first program's socket was left alone";
 }
 
 TEST_F(StartupTest, TheSamePathTwiceActivatesTheFirstDocument)
