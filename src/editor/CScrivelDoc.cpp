@@ -259,7 +259,7 @@ bool CScrivelDoc::DoSave(const QString& path, bool replace)
 {
     if (path.isEmpty() || (NeedsSaveAs && path == m_strPathName)) {
         const QFileInfo current(m_strPathName);
-        CFileDialogEx dialog(false, current.fileName().isEmpty() ? GetTitle().remove(QLatin1Char('*'))
+        CFileDialogEx dialog(false, current.fileName().isEmpty() ? PlainTitle()
                                                                  : current.fileName(),
                              QApplication::activeWindow(),
                              m_strPathName.isEmpty() ? QString() : current.absolutePath());

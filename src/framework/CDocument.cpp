@@ -20,6 +20,17 @@ void CDocument::SetPathName(const QString& path, bool addToRecent)
     Q_EMIT pathNameChanged(path, addToRecent);
 }
 
+QString CDocument::PlainTitle() const
+{
+    QString title = m_strTitle;
+    if (title.endsWith(QLatin1Char('*')))
+        title.chop(1);
+    const QLatin1String readOnly(" [Read Only]");
+    if (title.endsWith(readOnly))
+        title.chop(readOnly.size());
+    return title;
+}
+
 void CDocument::SetTitle(const QString& title)
 {
     if (m_strTitle == title)

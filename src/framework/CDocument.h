@@ -21,6 +21,9 @@ public:
 
     // The title as shown on the tab, modified mark included.
     QString GetTitle() const { return m_strTitle; }
+    // The title without the tab's marks ("*" for modified, " [Read Only]"): the name to
+    // offer for a file made from the document, or to print.
+    QString PlainTitle() const;
     virtual void SetTitle(const QString& title);
 
     bool IsModified() const { return m_bModified; }

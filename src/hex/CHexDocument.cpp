@@ -281,7 +281,7 @@ QMessageBox::StandardButton CHexDocument::Ask(QMessageBox::Icon icon, const QStr
 
 QString CHexDocument::AskSaveAsPath()
 {
-    const QString start = m_strPathName.isEmpty() ? GetTitle().remove(QLatin1Char('*'))
+    const QString start = m_strPathName.isEmpty() ? PlainTitle()
                                                   : m_strPathName;
     return QFileDialog::getSaveFileName(QApplication::activeWindow(), tr("Save As"), start,
                                         tr("All Files (*)"));

@@ -67,20 +67,10 @@ public:
         return options;
     }
 
-    // The document's name without the marks its tab carries (modified, read only).
-    static QString PlainTitle(const CDocument* document)
-    {
-        QString title = document ? document->GetTitle() : QString();
-        title.remove(QStringLiteral(" [Read Only]"));
-        if (title.endsWith(QLatin1Char('*')))
-            title.chop(1);
-        return title;
-    }
-
     static QString HeaderName(const CScrivelFrame* frame)
     {
         const CDocument* document = frame->GetDocument();
-        return document ? PrintLayout::HeaderName(document->GetPathName(), PlainTitle(document)) : QString();
+        return document ? PrintLayout::HeaderName(document->GetPathName(), document->PlainTitle()) : QString();
     }
 
     // A progress window that shows after half a second and can cancel the run; the
@@ -193,7 +183,7 @@ public:
             return;
         const CDocument* document = frame->GetDocument();
         QString suggestion = document ? document->GetPathName() : QString();
-        suggestion = suggestion.isEmpty() ? PlainTitle(document) + QStringLiteral(".pdf")
+        suggestion = suggestion.isEmpty() ? (document ? document->PlainTitle() : QString()) + QStringLiteral(".pdf")
                                           : QFileInfo(suggestion).path() + QLatin1Char('/')
                                                 + QFileInfo(suggestion).completeBaseName() + QStringLiteral(".pdf");
         QFileDialog chooser(m_shell.Window(), tr("Export as PDF"), suggestion, tr("PDF Files (*.pdf)"));
