@@ -2,10 +2,23 @@
 
 #include "DiskSync.h"
 #include "ReadableFile.h"
+#ifdef Q_OS_LINUX
+#include "UncachedWriter.h"
+#endif
 
 #include <QFileInfo>
 
-TextFile::TextFile() = default;
+#ifndef Q_OS_LINUX
+// Only Linux has the uncached writes; elsewhere the writer is never made.
+class UncachedWriter
+{
+};
+#endif
+
+TextFile::TextFile(qint64 uncachedFrom)
+    : m_uncachedFrom(uncachedFrom)
+{
+}
 
 TextFile::~TextFile()
 {
@@ -61,7 +74,7 @@ QString TextFile::ErrorString() const
     return m_error;
 }
 
-bool TextFile::OpenWrite(const QString& path)
+bool TextFile::OpenWrite(const QString& path, qint64 expectedSize)
 {
     Close();
     m_writeFailed = false;
@@ -84,6 +97,14 @@ bool TextFile::OpenWrite(const QString& path)
         m_write.reset();
         return false;
     }
+#ifdef Q_OS_LINUX
+    // Written through its descriptor, bypassing the save file's own buffer; the save
+    // file still syncs, renames or discards it.
+    if (expectedSize >= m_uncachedFrom)
+        m_uncached = std::make_unique<UncachedWriter>(m_write->handle());
+#else
+    Q_UNUSED(expectedSize);
+#endif
     return true;
 }
 
@@ -92,6 +113,14 @@ bool TextFile::Write(const char* data, qint64 length)
     QFileDevice* device = m_write ? static_cast<QFileDevice*>(m_write.get()) : m_direct.get();
     if (!device || m_writeFailed)
         return false;
+#ifdef Q_OS_LINUX
+    if (m_uncached) {
+        if (m_uncached->Write(data, std::size_t(length)))
+            return true;
+        FailUncached();
+        return false;
+    }
+#endif
     qint64 done = 0;
     while (done < length) {
         const qint64 n = device->write(data + done, length - done);
@@ -121,6 +150,13 @@ bool TextFile::Commit()
     if (!m_write)
         return false;
     bool ok = !m_writeFailed;
+#ifdef Q_OS_LINUX
+    if (ok && m_uncached && !m_uncached->Finish()) {
+        FailUncached();
+        ok = false;
+    }
+    m_uncached.reset();
+#endif
     if (ok) {
         m_owner.Apply(m_write->handle());
         if (!m_write->flush()) {
@@ -145,9 +181,20 @@ void TextFile::Close()
 {
     if (m_read.isOpen())
         m_read.close();
+    m_uncached.reset();
     if (m_write) {
         m_write->cancelWriting();
         m_write.reset();
     }
     m_direct.reset();
 }
+
+#ifdef Q_OS_LINUX
+void TextFile::FailUncached()
+{
+    m_writeFailed = true;
+    m_error = m_uncached->ErrorString();
+    m_uncached.reset();
+    m_write->cancelWriting();
+}
+#endif

@@ -7,14 +7,18 @@
 #include <QString>
 #include <memory>
 
+class UncachedWriter;
+
 // Reads a file in pieces cut after a blank or a line end, and writes one safely: the
 // new content goes to a file beside the old one and replaces it only when complete.
 class TextFile
 {
 public:
     static constexpr qint64 ChunkSize = 256000;
+    // Files expected to reach this size are written around the system's file cache.
+    static constexpr qint64 UncachedFrom = qint64(64) << 20;
 
-    TextFile();
+    explicit TextFile(qint64 uncachedFrom = UncachedFrom);
     ~TextFile();
     TextFile(const TextFile&) = delete;
     TextFile& operator=(const TextFile&) = delete;
@@ -30,7 +34,8 @@ public:
     qint64 Size() const;
     QString ErrorString() const;
 
-    bool OpenWrite(const QString& path);
+    // `expectedSize` (when known) lets a large file bypass the file cache.
+    bool OpenWrite(const QString& path, qint64 expectedSize = -1);
     bool Write(const char* data, qint64 length);
     // Completes the write: the new file takes the old one's place. False when anything
     // went wrong, and then the old file is as it was.
@@ -38,8 +43,12 @@ public:
     void Close();
 
 private:
+    void FailUncached();
+
     QFile m_read;
     std::unique_ptr<QSaveFile> m_write;
+    std::unique_ptr<UncachedWriter> m_uncached;
+    qint64 m_uncachedFrom;
     // Devices and pipes can't be replaced by renaming: they are written in place.
     std::unique_ptr<QFile> m_direct;
     FileOwner m_owner;

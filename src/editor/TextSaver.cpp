@@ -8,13 +8,13 @@ TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& pa
                                   bool writeMark, const AnsiCodePage* codePage)
 {
     Result result;
+    const long length = editor.GetLength();
     TextFile file;
-    if (!file.OpenWrite(path)) {
+    if (!file.OpenWrite(path, length)) {
         result.error = file.ErrorString();
         return result;
     }
     EncodingWriter writer(encoding, writeMark, codePage);
-    const long length = editor.GetLength();
     // One contiguous view of the text; no copy of a large document is made.
     const char* text = reinterpret_cast<const char*>(
         editor.SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));

@@ -84,35 +84,55 @@ TEST(TextFile, MissingFileOrFolderGivesTheSystemsReason)
     EXPECT_FALSE(writer.ErrorString().isEmpty());
 }
 
-TEST(TextFileWrite, ReplacesTheOldFileOnlyWhenComplete)
+// Small files go through the file cache; large ones around it. Both must keep the old
+// file until the commit.
+class TextFileWrite : public ::testing::TestWithParam<qint64>
+{
+protected:
+    // Several blocks of an uncached write and an unaligned rest.
+    static QByteArray Content(char seed)
+    {
+        QByteArray bytes(3 * 4096 + 1234, Qt::Uninitialized);
+        for (int i = 0; i < bytes.size(); ++i)
+            bytes[i] = char(seed + i % 23);
+        return bytes;
+    }
+};
+
+TEST_P(TextFileWrite, ReplacesTheOldFileOnlyWhenComplete)
 {
     const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("out.txt"));
     TestSupport::WriteFile(path, "old content");
-    TextFile file;
-    ASSERT_TRUE(file.OpenWrite(path));
-    ASSERT_TRUE(file.Write("new ", 4));
+    const QByteArray content = Content('a');
+    TextFile file(GetParam());
+    ASSERT_TRUE(file.OpenWrite(path, content.size()));
+    ASSERT_TRUE(file.Write(content.constData(), 5000));
     // Until the commit the old file is what anyone else reads.
     EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("old content"));
-    ASSERT_TRUE(file.Write("content", 7));
+    ASSERT_TRUE(file.Write(content.constData() + 5000, content.size() - 5000));
     ASSERT_TRUE(file.Commit());
-    EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("new content"));
+    EXPECT_EQ(TestSupport::ReadFile(path), content);
 }
 
-TEST(TextFileWrite, ClosingWithoutCommitLeavesTheOldFile)
+TEST_P(TextFileWrite, ClosingWithoutCommitLeavesTheOldFile)
 {
     const QString path = QDir(TestSupport::MakeTempDir()).filePath(QStringLiteral("keep.txt"));
     TestSupport::WriteFile(path, "precious");
     {
-        TextFile file;
-        ASSERT_TRUE(file.OpenWrite(path));
-        ASSERT_TRUE(file.Write("partial", 7));
+        const QByteArray content = Content('A');
+        TextFile file(GetParam());
+        ASSERT_TRUE(file.OpenWrite(path, content.size()));
+        ASSERT_TRUE(file.Write(content.constData(), content.size()));
     }
     EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("precious"));
     EXPECT_EQ(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files).size(), 1)
         << "no temporary file is left behind";
 }
 
-TEST(TextFileWrite, FullDiskFailsTheCommit)
+INSTANTIATE_TEST_SUITE_P(CachedAndUncached, TextFileWrite, ::testing::Values(TextFile::UncachedFrom, qint64(0)),
+                         [](const auto& info) { return std::string(info.param == 0 ? "Uncached" : "Cached"); });
+
+TEST(TextFileDevice, FullDiskFailsTheCommit)
 {
     if (!QFileInfo::exists(QStringLiteral("/dev/full")))
         GTEST_SKIP() << "no /dev/full on this system";

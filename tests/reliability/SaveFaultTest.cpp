@@ -3,6 +3,7 @@
 
 #include "codelibrary/TemplateFiles.h"
 #include "editor/TextFile.h"
+#include "editor/UncachedWriter.h"
 #include "explorer/CWorkspace.h"
 #include "search/FileReplacer.h"
 #include "hex/CPieceTable.h"
@@ -53,6 +54,53 @@ TEST(SaveFaults, TextFileWritesBesideAndRenames)
     const SweepResult result = Sweep(writer);
     ExpectSweep("text file", result);
     EXPECT_GT(result.calls[int(Call::Rename)] + result.calls[int(Call::Link)], 0);
+}
+
+// A large file is written around the file cache, in whole blocks and an unaligned rest.
+TEST(SaveFaults, TextFileWrittenUncached)
+{
+    SweepWriter writer = FileWriter(TestSupport::MakeTempDir(), QStringLiteral("big.log"), Pattern(70000, 'a'),
+                                    Pattern(90000, 'A'));
+    const QString path = writer.target;
+    writer.save = [&] {
+        TextFile file(0);
+        if (!file.OpenWrite(path, writer.after.size()))
+            return false;
+        for (int at = 0; at < writer.after.size(); at += 32768) {
+            const int n = std::min<int>(32768, int(writer.after.size()) - at);
+            if (!file.Write(writer.after.constData() + at, n))
+                return false;
+        }
+        return file.Commit();
+    };
+    ExpectSweep("text file, uncached", Sweep(writer));
+}
+
+// A disk that wants a larger alignment than the writer's refuses the uncached write; the
+// same bytes then go through the cache and nothing is lost or doubled.
+TEST(SaveFaults, RefusedUncachedWriteIsWrittenCached)
+{
+    const QString folder = TestSupport::MakeTempDir();
+    const QString path = QDir(folder).filePath(QStringLiteral("out.bin"));
+    const QByteArray content = Pattern(5 * 4096 + 77, 'k');
+    // Only files opened while watched are counted.
+    FaultInjector::Watch(QDir(folder).absolutePath().toStdString());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    UncachedWriter writer(file.handle(), 2 * UncachedWriter::Block);
+    if (!writer.IsUncached()) {
+        FaultInjector::Reset();
+        GTEST_SKIP() << "the file system of the temporary folder takes no uncached writes";
+    }
+    FaultInjector::Arm(Call::Write, 2, EINVAL);
+    const bool written = writer.Write(content.constData(), std::size_t(content.size())) && writer.Finish();
+    const bool fired = FaultInjector::Fired();
+    FaultInjector::Reset();
+    file.close();
+    EXPECT_TRUE(fired);
+    EXPECT_TRUE(written) << writer.ErrorString().toStdString();
+    EXPECT_FALSE(writer.IsUncached());
+    EXPECT_TRUE(TestSupport::ReadFile(path) == content);
 }
 
 TEST(SaveFaults, HexTableSavesOverTheFileItReads)
