@@ -12,6 +12,7 @@
 #include "editor/CTextSearch.h"
 #include "editor/LargeFileMode.h"
 #include "editor/TextEncoding.h"
+#include "editor/TextFileDetector.h"
 #include "framework/CDocTemplate.h"
 #include "framework/IStatusSink.h"
 #include "framework/OpenOptions.h"
@@ -58,7 +59,9 @@ double CpuSince(std::clock_t start)
     return double(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-bool GenerateLog(const QString& path, qint64 bytes)
+// A log with a few UTF-8 words on every line; with `ascii`, the same lines in plain ASCII,
+// which the program opens as "Ansi", as most server logs are.
+bool GenerateLog(const QString& path, qint64 bytes, bool ascii = false)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
@@ -66,7 +69,7 @@ bool GenerateLog(const QString& path, qint64 bytes)
     QByteArray block;
     for (int i = 0; block.size() < (4 << 20); ++i) {
         block += "2026-11-22T21:" + QByteArray::number(10 + i % 50) + ":00.123 INFO worker-"
-                 + QByteArray::number(i % 16) + " caf\xC3\xA9 \xE4\xB8\xAD\xE6\x96\x87 request "
+                 + QByteArray::number(i % 16) + (ascii ? " cafe zhongwen request " : " caf\xC3\xA9 \xE4\xB8\xAD\xE6\x96\x87 request ")
                  + QByteArray::number(i * 7919) + " served in " + QByteArray::number(i % 997) + " ms\n";
     }
     qint64 written = 0;
@@ -136,10 +139,16 @@ int BareLoad(const QString& path)
 }
 
 // Child: the document's own open, then the work a user does with the file.
-int DocumentRun(const QString& path, const QString& savePath)
+int DocumentRun(const QString& path, const QString& savePath, bool detect)
 {
     OpenOptions options;
     options.encoding = TextEncoding::Utf8;
+    // As the program opens a file: its encoding as the detector reads it.
+    TextFileDetector probe;
+    if (detect && probe.Examine(path)) {
+        options.encoding = probe.Encoding();
+        options.bomLength = probe.BomLength();
+    }
     Progress progress;
     CDocTemplate docTemplate(
         QStringLiteral("Untitled"), [] { return new CScrivelDoc(); },
@@ -192,8 +201,8 @@ int DocumentRun(const QString& path, const QString& savePath)
         timer.restart();
         again = document->DoSave(savePath) ? Seconds(timer) : -1;
     }
-    std::printf("document %.3f %lld %.3f %.3f %.3f %.3f %d %lld %.3f %.3f %.3f\n", open, peak, end, type, find, save,
-                found > 0 ? 1 : 0, PeakKb(), openCpu, typeCpu, again);
+    std::printf("document %.3f %lld %.3f %.3f %.3f %.3f %d %lld %.3f %.3f %.3f %d\n", open, peak, end, type, find, save,
+                found > 0 ? 1 : 0, PeakKb(), openCpu, typeCpu, again, document->Encoding);
     document->SetModifiedFlag(false);
     return 0;
 }
@@ -270,18 +279,19 @@ int main(int argc, char** argv)
     if (args.value(1) == QLatin1String("--replace"))
         return ReplaceRun();
     if (args.value(1) == QLatin1String("--document"))
-        return DocumentRun(args.value(2), args.value(3));
+        return DocumentRun(args.value(2), args.value(3), args.value(4) == QLatin1String("detect"));
 
     const qint64 megabytes = args.size() > 1 ? args.value(1).toLongLong() : 1024;
     const qint64 bytes = megabytes << 20;
     QTemporaryDir dir(QStringLiteral("/tmp/morvane-largefile-XXXXXX"));
-    if (QStorageInfo(dir.path()).bytesAvailable() < bytes * 3 + (1LL << 30)) {
-        std::printf("not enough room in /tmp for %lld MB three times over\n", megabytes);
+    if (QStorageInfo(dir.path()).bytesAvailable() < bytes * 4 + (1LL << 30)) {
+        std::printf("not enough room in /tmp for %lld MB four times over\n", megabytes);
         return 1;
     }
     const QString log = dir.filePath(QStringLiteral("log.txt"));
     const QString line = dir.filePath(QStringLiteral("line.json"));
-    if (!GenerateLog(log, bytes) || !GenerateSingleLine(line, 20 << 20)) {
+    const QString asciiLog = dir.filePath(QStringLiteral("ascii.log"));
+    if (!GenerateLog(log, bytes) || !GenerateLog(asciiLog, bytes, true) || !GenerateSingleLine(line, 20 << 20)) {
         std::printf("could not write the test files\n");
         return 1;
     }
@@ -298,9 +308,13 @@ int main(int argc, char** argv)
     const double cp = Cp(log, dir.filePath(QStringLiteral("copy")));
     const double cpSync = Cp(log, dir.filePath(QStringLiteral("copy")), true);
     QFile::remove(dir.filePath(QStringLiteral("saved.txt")));
+    const QStringList ascii = RunChild({QStringLiteral("--document"), asciiLog, dir.filePath(QStringLiteral("saved.txt")),
+                                        QStringLiteral("detect")},
+                                       home);
+    QFile::remove(dir.filePath(QStringLiteral("saved.txt")));
     const QStringList single = RunChild({QStringLiteral("--document"), line, QString()}, home);
     const QStringList replace = RunChild({QStringLiteral("--replace")}, home);
-    if (bare.size() < 3 || doc.size() < 12 || single.size() < 11 || replace.size() < 4) {
+    if (bare.size() < 3 || doc.size() < 13 || ascii.size() < 13 || single.size() < 11 || replace.size() < 4) {
         std::printf("a child failed\n");
         return 1;
     }
@@ -326,6 +340,16 @@ int main(int argc, char** argv)
                 save / cpSync);
     std::printf("  save again             %8.3f s   ratio %.2f of cp, %.2f of cp + sync\n", doc[11].toDouble(),
                 doc[11].toDouble() / cp, doc[11].toDouble() / cpSync);
+    std::printf("ASCII log of the same size, opened as detected (%s)\n",
+                TextEncoding::DisplayName(ascii[12].toInt()).toUtf8().constData());
+    std::printf("  document load + paint  %8.3f s   ratio %.2f of the bare load of the UTF-8 log\n", ascii[1].toDouble(),
+                ascii[1].toDouble() / bareLoad);
+    std::printf("  find word at end       %8.3f s   %.2f GB/s\n", ascii[5].toDouble(),
+                fileMb / 1024 / ascii[5].toDouble());
+    std::printf("  save                   %8.3f s   ratio %.2f of cp + sync\n", ascii[6].toDouble(),
+                ascii[6].toDouble() / cpSync);
+    std::printf("  save again             %8.3f s   ratio %.2f of cp + sync\n", ascii[11].toDouble(),
+                ascii[11].toDouble() / cpSync);
     std::printf("20 MB single line (%s)\n", "JSON-like");
     std::printf("  open + paint           %8.3f s   (target under 2 s), processor %.3f s\n", single[1].toDouble(),
                 single[9].toDouble());
@@ -335,6 +359,8 @@ int main(int argc, char** argv)
     std::printf("  find word at end       %8.3f s\n", single[5].toDouble());
     std::printf("Replace All of %s matches in 3 MB   %8.3f s, its undo %.3f s\n",
                 replace[3].toLatin1().constData(), replace[1].toDouble(), replace[2].toDouble());
-    std::printf("  found both: %s\n", doc[7] == QLatin1String("1") && single[7] == QLatin1String("1") ? "yes" : "NO");
+    std::printf("  found all: %s\n",
+                doc[7] == QLatin1String("1") && ascii[7] == QLatin1String("1") && single[7] == QLatin1String("1") ? "yes"
+                                                                                                                 : "NO");
     return 0;
 }

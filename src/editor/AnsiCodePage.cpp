@@ -1,5 +1,6 @@
 #include "AnsiCodePage.h"
 
+#include "AsciiRun.h"
 #include "Utf8Sequence.h"
 
 #include <QStringDecoder>
@@ -91,10 +92,9 @@ bool AnsiCodePage::CanHold(const char* text, std::size_t length) const
     const auto* bytes = reinterpret_cast<const unsigned char*>(text);
     std::size_t i = 0;
     while (i < length) {
-        if (bytes[i] < 0x80) {
-            ++i;
-            continue;
-        }
+        i += AsciiRun(text + i, length - i);
+        if (i == length)
+            break;
         const Utf8Sequence::Decoded d = Utf8Sequence::Decode(bytes + i, length - i);
         if (d.valid && Encode(d.character) < 0)
             return false;

@@ -6,6 +6,8 @@
 #include <QString>
 
 #include <memory>
+#include <string_view>
+#include <utility>
 
 // The editing control. Everything that talks to Scintilla goes through here: plain
 // forwards named after their messages, and the few composite operations the editor
@@ -73,6 +75,12 @@ public:
     void* GetDocPointer() const;
     long GetCurrentPos() const;
     long GetLength() const;
+    // The whole text in the two pieces the control's storage holds it in, either side of
+    // the gap where it makes room for typing (the second may be empty). Read where they
+    // are: one contiguous pointer would first close the gap, copying everything behind
+    // it, which in a large document edited near its start is a pause of its own and is
+    // paid again at the next key. The pieces meet between characters.
+    std::pair<std::string_view, std::string_view> TextPieces() const;
     long PositionAfter(long position) const;
     long LineFromPosition(long position) const;
     long GetLineEndPosition(long line) const;

@@ -221,6 +221,33 @@ long CMFCScintilla::GetLength() const
     return static_cast<long>(SendScintilla(SCI_GETLENGTH));
 }
 
+std::pair<std::string_view, std::string_view> CMFCScintilla::TextPieces() const
+{
+    const long length = GetLength();
+    long gap = static_cast<long>(SendScintilla(SCI_GETGAPPOSITION));
+    if (gap > 0 && gap < length) {
+        // A gap inside a character moves back to its first byte: a few bytes copied.
+        const auto byteAt = [this](long position) {
+            return static_cast<unsigned char>(SendScintilla(SCI_GETCHARAT, static_cast<unsigned long>(position)));
+        };
+        long start = gap;
+        while (start > 0 && gap - start < 3 && (byteAt(start) & 0xC0) == 0x80)
+            --start;
+        if (start != gap && (byteAt(start) & 0xC0) == 0xC0) {
+            SendScintilla(SCI_GETRANGEPOINTER, static_cast<unsigned long>(start), gap - start + 1);
+            gap = static_cast<long>(SendScintilla(SCI_GETGAPPOSITION));
+        }
+    }
+    if (gap <= 0 || gap >= length) {
+        const auto* text = reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, 0UL, length));
+        const std::string_view whole(text ? text : "", text ? std::size_t(length) : 0);
+        return gap <= 0 ? std::pair{std::string_view(), whole} : std::pair{whole, std::string_view()};
+    }
+    const auto* before = reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, 0UL, gap));
+    const auto* after = reinterpret_cast<const char*>(SendScintilla(SCI_GETRANGEPOINTER, static_cast<unsigned long>(gap), length - gap));
+    return {std::string_view(before, std::size_t(gap)), std::string_view(after, std::size_t(length - gap))};
+}
+
 long CMFCScintilla::PositionAfter(long position) const
 {
     return static_cast<long>(SendScintilla(SCI_POSITIONAFTER, static_cast<unsigned long>(position)));

@@ -182,7 +182,16 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
         return false;
     }
 
-    const qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
+    const AnsiCodePage codePage = ConfiguredCodePage();
+    qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
+    // Three bytes for each byte of "Ansi" text would put every "Ansi" file of over 700 MB,
+    // most logs among them, in the control's slower large storage: its exact size decides.
+    if (Encoding == TextEncoding::Ansi
+        && (LargeFileMode::DocumentOptions(textBytes, true) & LargeFileMode::TextLarge) != 0
+        && (LargeFileMode::DocumentOptions(fileSize, true) & LargeFileMode::TextLarge) == 0) {
+        if (const qint64 exact = LargeFileMode::Utf8SizeOfAnsiFile(path, codePage); exact >= 0)
+            textBytes = exact;
+    }
     if (const int options = LargeFileMode::DocumentOptions(textBytes, !large); options != 0) {
         // Empty: the loader sizes the storage once. Sized here too, the control would
         // fill it with zeros now and copy it whole when the loader sizes it again.
@@ -197,7 +206,6 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     // A long load shows which file it is while it runs.
     SetTitle(QFileInfo(path).fileName());
     IProgressSink* progress = GetDocTemplate() ? GetDocTemplate()->GetProgressSink() : nullptr;
-    const AnsiCodePage codePage = ConfiguredCodePage();
     const TextLoader::Result read = TextLoader::Load(*editor, path, Encoding, BomLength, progress,
                                                      &codePage);
     if (read.cancelled)
@@ -307,9 +315,8 @@ bool CScrivelDoc::WriteFile(const QString& path, bool replace, bool isSaveAs)
     editor->SetEOLMode(LineEnding);
     const AnsiCodePage codePage = ConfiguredCodePage();
     if (Encoding == TextEncoding::Ansi) {
-        const char* text = reinterpret_cast<const char*>(
-            editor->SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
-        if (!codePage.CanHold(text, std::size_t(editor->GetLength()))) {
+        const auto [before, after] = editor->TextPieces();
+        if (!codePage.CanHold(before.data(), before.size()) || !codePage.CanHold(after.data(), after.size())) {
             // Writing a stand-in for what the code page lacks would lose text for good.
             const auto answer = QMessageBox::question(
                 QApplication::activeWindow(), QApplication::applicationDisplayName(),

@@ -1,7 +1,10 @@
 #include "EncodingReader.h"
 
 #include "AnsiCodePage.h"
+#include "AsciiRun.h"
 #include "TextEncoding.h"
+
+#include <cstring>
 
 namespace {
 
@@ -97,14 +100,20 @@ std::string_view EncodingReader::Feed(const char* data, std::size_t length)
     if (m_form == Form::Bytes)
         return std::string_view(data, length);
     if (m_form == Form::SingleByte) {
+        // ASCII is the same bytes in UTF-8: passed on as it is.
+        std::size_t i = AsciiRun(data, length);
+        if (i == length)
+            return std::string_view(data, length);
         // A character of the code page takes at most three bytes of UTF-8.
         Reserve(3 * length + 16);
-        for (std::size_t i = 0; i < length; ++i) {
-            const auto byte = static_cast<unsigned char>(data[i]);
-            if (byte < 0x80)
-                *m_end++ = char(byte);
-            else
-                Emit(m_codePage->Decode(byte));
+        std::memcpy(m_end, data, i);
+        m_end += i;
+        while (i < length) {
+            Emit(m_codePage->Decode(static_cast<unsigned char>(data[i++])));
+            const std::size_t run = AsciiRun(data + i, length - i);
+            std::memcpy(m_end, data + i, run);
+            m_end += run;
+            i += run;
         }
         return std::string_view(m_buffer.get(), std::size_t(m_end - m_buffer.get()));
     }

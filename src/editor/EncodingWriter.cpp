@@ -1,6 +1,7 @@
 #include "EncodingWriter.h"
 
 #include "AnsiCodePage.h"
+#include "AsciiRun.h"
 #include "TextEncoding.h"
 
 #include <cstring>
@@ -139,6 +140,10 @@ std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
         return Output();
     }
 
+    // ASCII text is the same bytes in a single-byte code page: passed on as it is.
+    if (m_form == Form::SingleByte && m_carry.empty() && AsciiRun(data, length) == length)
+        return std::string_view(data, length);
+
     // A UTF-8 byte gives at most one 16-bit unit (a four-byte sequence gives two units
     // for four bytes) or one 32-bit unit per byte; carried bytes and the mark on top.
     const std::size_t unitSize = (m_form == Form::Utf32LE || m_form == Form::Utf32BE) ? 4 : 2;
@@ -168,17 +173,21 @@ std::string_view EncodingWriter::Encode(const char* data, std::size_t length)
     const bool little = m_form == Form::Utf16LE;
     const bool wide16 = m_form == Form::Utf16LE || m_form == Form::Utf16BE;
     while (i < length) {
-        if (bytes[i] < 0x80) {
-            // Plain ASCII is most of most text.
+        // Plain ASCII is most of most text: a run at a time.
+        if (const std::size_t run = AsciiRun(data + i, length - i)) {
             if (m_form == Form::SingleByte) {
-                *m_end++ = char(bytes[i++]);
+                std::memcpy(m_end, data + i, run);
+                m_end += run;
             } else if (wide16) {
-                *m_end++ = char(little ? bytes[i] : 0);
-                *m_end++ = char(little ? 0 : bytes[i]);
-                ++i;
+                for (std::size_t k = i; k < i + run; ++k) {
+                    *m_end++ = char(little ? bytes[k] : 0);
+                    *m_end++ = char(little ? 0 : bytes[k]);
+                }
             } else {
-                Put(bytes[i++]);
+                for (std::size_t k = i; k < i + run; ++k)
+                    Put(bytes[k]);
             }
+            i += run;
             continue;
         }
         const std::size_t used = DecodeOne(bytes + i, length - i, false);

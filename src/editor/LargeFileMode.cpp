@@ -1,9 +1,15 @@
 #include "LargeFileMode.h"
 
+#include "AnsiCodePage.h"
+#include "AsciiRun.h"
 #include "TextEncoding.h"
 
+#include <QFile>
+
 #include <algorithm>
+#include <array>
 #include <limits>
+#include <vector>
 
 namespace LargeFileMode {
 
@@ -36,6 +42,34 @@ qint64 MaxTextBytes(qint64 fileSize, int encoding)
         // A code page's byte, or a compressed form's, may stand for up to three bytes.
         return fileSize * 3;
     }
+}
+
+qint64 Utf8SizeOfAnsiFile(const QString& path, const AnsiCodePage& codePage)
+{
+    // What each byte adds to the file's size once it is UTF-8.
+    std::array<int, 256> extra{};
+    for (int byte = 0x80; byte < 256; ++byte)
+        extra[std::size_t(byte)] = codePage.Decode(static_cast<unsigned char>(byte)) < 0x800 ? 1 : 2;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    constexpr qint64 kPiece = 4 << 20;
+    std::vector<char> buffer(static_cast<std::size_t>(kPiece));
+    qint64 total = 0;
+    for (;;) {
+        const qint64 n = file.read(buffer.data(), kPiece);
+        if (n < 0)
+            return -1;
+        if (n == 0)
+            break;
+        total += n;
+        for (qint64 i = AsciiRun(buffer.data(), std::size_t(n)); i < n;) {
+            total += extra[static_cast<unsigned char>(buffer[std::size_t(i)])];
+            ++i;
+            i += qint64(AsciiRun(buffer.data() + i, std::size_t(n - i)));
+        }
+    }
+    return total;
 }
 
 int DocumentOptions(qint64 textBytes, bool coloured)

@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+class AnsiCodePage;
+class QString;
+
 // When a document is too big, or has lines too long, to colour and fold: the control
 // then spends its time on the text alone. Also which storage the control's document
 // needs for text of a given size.
@@ -23,6 +26,10 @@ bool IsLarge(qint64 fileSize, qint64 thresholdBytes);
 // The most bytes of UTF-8 that `fileSize` bytes in `encoding` (a TextEncoding code) can
 // become.
 qint64 MaxTextBytes(qint64 fileSize, int encoding);
+// The exact number of bytes of UTF-8 that the "Ansi" file at `path` becomes in
+// `codePage`: its size, plus one or two for each byte of the code page's upper half.
+// -1 when the file cannot be read to its end.
+qint64 Utf8SizeOfAnsiFile(const QString& path, const AnsiCodePage& codePage);
 // The options of a document that is to hold `textBytes` bytes of text: large text
 // storage when its positions would pass 31 bits, no style bytes when it is not coloured.
 int DocumentOptions(qint64 textBytes, bool coloured);

@@ -15,24 +15,19 @@ TextSaver::Result TextSaver::Save(const CMFCScintilla& editor, const QString& pa
         return result;
     }
     EncodingWriter writer(encoding, writeMark, codePage);
-    // One contiguous view of the text; no copy of a large document is made.
-    const char* text = reinterpret_cast<const char*>(
-        editor.SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
+    const auto [before, after] = editor.TextPieces();
     bool ok = true;
-    long offset = 0;
-    do {
-        const long size = std::min<long>(length - offset, TextFile::ChunkSize);
-        const std::string_view bytes = writer.Encode(text + offset, static_cast<std::size_t>(size));
-        if (writer.Unencodable()) {
-            ok = false;
-            break;
+    for (const std::string_view piece : {before, after}) {
+        for (std::size_t offset = 0; ok && offset < piece.size();) {
+            const std::size_t size = std::min<std::size_t>(piece.size() - offset, TextFile::ChunkSize);
+            const std::string_view bytes = writer.Encode(piece.data() + offset, size);
+            if (writer.Unencodable())
+                ok = false;
+            else if (!bytes.empty() && !file.Write(bytes.data(), static_cast<qint64>(bytes.size())))
+                ok = false;
+            offset += size;
         }
-        if (!bytes.empty() && !file.Write(bytes.data(), static_cast<qint64>(bytes.size()))) {
-            ok = false;
-            break;
-        }
-        offset += size;
-    } while (offset < length);
+    }
     if (ok) {
         const std::string_view rest = writer.Finish();
         if (writer.Unencodable())

@@ -1,5 +1,7 @@
 #include "CRecoveryManager.h"
 
+#include <cstring>
+
 #include "CRecoveryDialog.h"
 #include "CTextSnapshot.h"
 #include "editor/CMFCScintilla.h"
@@ -14,6 +16,7 @@
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QTimer>
+#include <cstring>
 
 CRecoveryManager::CRecoveryManager(IShell& shell, const QString& root, QObject* parent)
     : QObject(parent), m_shell(shell), m_store(root)
@@ -35,11 +38,15 @@ void CRecoveryManager::SetDelays(int idleMs, int maxMs)
 
 QByteArray CRecoveryManager::SnapshotText(CMFCScintilla& editor)
 {
-    const auto length = static_cast<qsizetype>(editor.SendScintilla(QsciScintillaBase::SCI_GETLENGTH));
-    // The pointer call closes the gap in the buffer; the copy is one memcpy.
-    const auto* text = reinterpret_cast<const char*>(
-        editor.SendScintilla(QsciScintillaBase::SCI_GETCHARACTERPOINTER));
-    return text ? QByteArray(text, length) : QByteArray();
+    // Copied from where the text lies, either side of the control's gap: closing the gap
+    // first would move everything behind it, now and again at the next key.
+    const auto [before, after] = editor.TextPieces();
+    QByteArray text(qsizetype(before.size() + after.size()), Qt::Uninitialized);
+    if (!before.empty())
+        std::memcpy(text.data(), before.data(), before.size());
+    if (!after.empty())
+        std::memcpy(text.data() + before.size(), after.data(), after.size());
+    return text;
 }
 
 CRecoveryManager::Tracker* CRecoveryManager::TrackerOf(CDocument* document)

@@ -129,6 +129,8 @@ TEST_P(Unencodable, IsCountedAndNeverReplaced)
 INSTANTIATE_TEST_SUITE_P(Texts, Unencodable, ::testing::Values(
     UnencodableCase{"latin", "caf\xC3\xA9 \xE2\x82\xAC", 0},
     UnencodableCase{"cjk", "a\xE4\xB8\xAD" "b", 1},
+    // Past long runs of ASCII, which are skipped many bytes at a time.
+    UnencodableCase{"cjk_after_long_ascii", std::string(77, 'x') + "\xE4\xB8\xAD" + std::string(40, 'y'), 1},
     UnencodableCase{"emoji_and_greek", "\xF0\x9F\x98\x80 \xCE\xB1", 2},
     // A stray byte that is no UTF-8 is held as it is: written back unchanged.
     UnencodableCase{"stray_byte", "x\xFFy", 0}),

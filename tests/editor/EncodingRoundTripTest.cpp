@@ -113,6 +113,64 @@ TEST(EncodingReader, AnsiKeepsEveryByteAndIgnoresMarkLength)
     EXPECT_EQ(WriteInPieces(ReadInPieces(bytes, Ansi, 3, 7), Ansi, false, 5), bytes);
 }
 
+// Reader and writer take ASCII a run at a time, eight and thirty-two bytes at once: a
+// character outside ASCII at any place of a long line, in pieces of any length, must
+// come out where it went in.
+struct AsciiRunCase
+{
+    const char* name;
+    int code;
+    QByteArray stray;  // one character outside ASCII, in the encoding
+};
+
+using AsciiRuns = ::testing::TestWithParam<AsciiRunCase>;
+
+TEST_P(AsciiRuns, StrayCharacterAnywhereInALongLineSurvives)
+{
+    const AsciiRunCase& c = GetParam();
+    const QByteArray ascii("The quick brown fox jumps over the lazy dog; 0123456789 and more text here.\r\n");
+    const QByteArray asciiInForm = c.code == Ansi ? ascii : EncodeWithQt(QString::fromLatin1(ascii), c.code, false);
+    const qsizetype unit = c.code == Ansi ? 1 : asciiInForm.size() / ascii.size();
+    for (qsizetype at = 0; at <= ascii.size(); ++at) {
+        const QByteArray file = asciiInForm.left(at * unit) + c.stray + asciiInForm.mid(at * unit) + asciiInForm;
+        for (unsigned seed : {1u, 2u}) {
+            std::string text;
+            EncodingReader reader(c.code, 0);
+            std::mt19937 random(seed);
+            for (qsizetype pos = 0; pos < file.size();) {
+                const qsizetype piece = std::min<qsizetype>(file.size() - pos, 1 + qsizetype(random() % 90));
+                text.append(reader.Feed(file.constData() + pos, std::size_t(piece)));
+                pos += piece;
+            }
+            text.append(reader.Finish());
+            ASSERT_EQ(QString::fromUtf8(text.data(), qsizetype(text.size())),
+                      QString::fromLatin1(ascii.left(at)) + QStringLiteral("\u00E9") + QString::fromLatin1(ascii.mid(at))
+                          + QString::fromLatin1(ascii))
+                << "read, stray at " << at << ", seed " << seed;
+
+            EncodingWriter writer(c.code, false);
+            QByteArray back;
+            for (std::size_t pos = 0; pos < text.size();) {
+                const std::size_t piece = std::min<std::size_t>(text.size() - pos, 1 + random() % 90);
+                const std::string_view bytes = writer.Encode(text.data() + pos, piece);
+                back.append(bytes.data(), qsizetype(bytes.size()));
+                pos += piece;
+            }
+            const std::string_view rest = writer.Finish();
+            back.append(rest.data(), qsizetype(rest.size()));
+            ASSERT_EQ(back, file) << "written, stray at " << at << ", seed " << seed;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, AsciiRuns, ::testing::Values(
+    AsciiRunCase{"Ansi", Ansi, QByteArray("\xE9")},
+    AsciiRunCase{"Utf8", Utf8, QByteArray("\xC3\xA9")},
+    AsciiRunCase{"Utf16LE", Utf16LE, QByteArray("\xE9\x00", 2)},
+    AsciiRunCase{"Utf16BE", Utf16BE, QByteArray("\x00\xE9", 2)},
+    AsciiRunCase{"Utf32LE", Utf32LE, QByteArray("\xE9\x00\x00\x00", 4)}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 TEST(EncodingReader, SurrogatePairBecomesOneFourByteCharacter)
 {
     const QByteArray file("\xFF\xFE\x3D\xD8\x00\xDE", 6); // U+1F600 in UTF-16 LE

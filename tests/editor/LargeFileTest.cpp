@@ -1,4 +1,6 @@
+#include "editor/AnsiCodePage.h"
 #include "editor/CMFCScintilla.h"
+#include "editor/EncodingReader.h"
 #include "editor/CScrivelDoc.h"
 #include "editor/CScrivelFrame.h"
 #include "editor/CScrivelView.h"
@@ -397,6 +399,39 @@ TEST(LargeFileModeRules, ThresholdsOptionsAndLines)
     for (const auto& l : lines)
         EXPECT_EQ(LargeFileMode::HasLineLongerThan(l.text.constData(), l.text.size(), l.limit), l.longer)
             << l.text.left(20).constData() << " limit " << l.limit;
+}
+
+// An "Ansi" file's exact size as UTF-8 decides whether the control needs its large
+// storage: it must be what the reader makes of the file, to the byte.
+TEST(AnsiFileSize, IsWhatTheReaderMakesOfTheFile)
+{
+    const QString dir = TestSupport::MakeTempDir();
+    const AnsiCodePage windows1252;
+    const AnsiCodePage cyrillic(QStringLiteral("windows-1251"));
+    const struct
+    {
+        const char* name;
+        QByteArray bytes;
+        const AnsiCodePage* codePage;
+    } cases[] = {
+        {"empty", QByteArray(), &windows1252},
+        {"ascii", QByteArray("plain text\r\n").repeated(100), &windows1252},
+        {"latin", QByteArray("caf\xE9 na\xEFve\n").repeated(50), &windows1252},
+        // The euro sign takes three bytes; an undefined byte stands for its own number.
+        {"euro_and_undefined", QByteArray(70, 'x') + "\x80\x81\x9D" + QByteArray(70, 'y'), &windows1252},
+        {"every_byte", [] { QByteArray all; for (int i = 0; i < 256; ++i) all += char(i); return all.repeated(3); }(),
+         &windows1252},
+        {"cyrillic", QByteArray("\xCF\xF0\xE8\xE2\xE5\xF2 \x88\n").repeated(40), &cyrillic},
+    };
+    for (const auto& c : cases) {
+        const QString path = QDir(dir).filePath(QString::fromLatin1(c.name));
+        TestSupport::WriteFile(path, c.bytes);
+        EncodingReader reader(TextEncoding::Ansi, 0, c.codePage);
+        const qint64 decoded = qint64(reader.Feed(c.bytes.constData(), std::size_t(c.bytes.size())).size())
+            + qint64(reader.Finish().size());
+        EXPECT_EQ(LargeFileMode::Utf8SizeOfAnsiFile(path, *c.codePage), decoded) << c.name;
+    }
+    EXPECT_EQ(LargeFileMode::Utf8SizeOfAnsiFile(QDir(dir).filePath(QStringLiteral("missing")), windows1252), -1);
 }
 
 } // namespace

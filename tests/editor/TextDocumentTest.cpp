@@ -272,6 +272,66 @@ INSTANTIATE_TEST_SUITE_P(Answers, UnholdableText, ::testing::Values(
     UnholdableCase{"no_keeps_the_file", QMessageBox::No, false, "caf\xE9\n", Ansi}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// A key near the start puts the control's gap there. The save reads the text either side
+// of it: closing the gap would copy everything behind it, in a large document a pause of
+// its own, paid again at the next key.
+struct GapSaveCase
+{
+    const char* name;
+    QByteArray file;      // the file as it was
+    QByteArray expected;  // after "x" is typed after its first character
+};
+
+class SaveAroundTheGap : public TextDocumentTest, public ::testing::WithParamInterface<GapSaveCase>
+{
+};
+
+TEST_P(SaveAroundTheGap, WritesTheWholeTextAndLeavesTheGapWhereTheKeyWas)
+{
+    const GapSaveCase& c = GetParam();
+    const QString path = Path(QStringLiteral("gap.txt"));
+    TestSupport::WriteFile(path, c.file);
+    CScrivelDoc* document = Open(path);
+    ASSERT_NE(document, nullptr);
+    CMFCScintilla* editor = document->GetEditor();
+    editor->GotoPos(editor->PositionAfter(0));
+    editor->AddText("x");
+    const long gap = static_cast<long>(editor->SendScintilla(QsciScintillaBase::SCI_GETGAPPOSITION));
+    ASSERT_LT(gap, editor->GetLength());
+    ASSERT_TRUE(document->DoFileSave());
+    EXPECT_EQ(TestSupport::ReadFile(path), c.expected);
+    EXPECT_EQ(editor->SendScintilla(QsciScintillaBase::SCI_GETGAPPOSITION), gap);
+}
+
+INSTANTIATE_TEST_SUITE_P(Encodings, SaveAroundTheGap, ::testing::Values(
+    GapSaveCase{"Utf8WithMark", "\xEF\xBB\xBF\xC3\xA9t\xC3\xA9\n\xE4\xB8\xAD\n",
+                "\xEF\xBB\xBF\xC3\xA9xt\xC3\xA9\n\xE4\xB8\xAD\n"},
+    GapSaveCase{"Utf16LE", QByteArray("\xFF\xFE" "a\0b\0\xE9\0\n\0", 10),
+                QByteArray("\xFF\xFE" "a\0x\0b\0\xE9\0\n\0", 12)},
+    GapSaveCase{"Ansi", "caf\xE9\nna\xEFve\n", "cxaf\xE9\nna\xEFve\n"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// The "Ansi" check for characters the code page lacks looks on both sides of the gap.
+TEST_F(TextDocumentTest, UnholdableCharacterBehindTheGapIsFound)
+{
+    const QString path = Path(QStringLiteral("behind.txt"));
+    TestSupport::WriteFile(path, "caf\xE9\n");
+    CScrivelDoc* document = Open(path);
+    ASSERT_NE(document, nullptr);
+    CMFCScintilla* editor = document->GetEditor();
+    editor->GotoPos(editor->GetLength());
+    editor->AddText("\xE4\xB8\xAD");
+    editor->GotoPos(0);
+    editor->AddText("x");
+    ASSERT_LT(editor->SendScintilla(QsciScintillaBase::SCI_GETGAPPOSITION), editor->GetLength() - 3);
+    TestSupport::ModalAnswerer answerer(QMessageBox::No);
+    EXPECT_FALSE(document->DoFileSave());
+    ASSERT_EQ(answerer.Texts().size(), 1);
+    EXPECT_TRUE(answerer.Texts().first().contains(QStringLiteral("UTF-8")))
+        << "asked to save as UTF-8 instead, not told of a failed save: " << answerer.Texts().first().toStdString();
+    EXPECT_EQ(TestSupport::ReadFile(path), QByteArray("caf\xE9\n"));
+}
+
 TEST_F(TextDocumentTest, SaveIntoAMissingFolderFailsAndKeepsTheDocumentModified)
 {
     const QString path = Path(QStringLiteral("keep.txt"));
