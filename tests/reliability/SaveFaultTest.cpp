@@ -34,14 +34,28 @@ QByteArray Pattern(int size, char seed)
     return bytes;
 }
 
-TEST(SaveFaults, TextFileWritesBesideAndRenames)
+// Small files are written through the file cache; large ones around it, in whole blocks
+// and an unaligned rest.
+struct TextFileSweepCase
 {
+    const char* name;
+    const char* writer;
+    qint64 uncachedFrom;
+};
+
+class TextFileSweep : public ::testing::TestWithParam<TextFileSweepCase>
+{
+};
+
+TEST_P(TextFileSweep, WritesBesideAndRenames)
+{
+    const TextFileSweepCase& c = GetParam();
     SweepWriter writer = FileWriter(TestSupport::MakeTempDir(), QStringLiteral("notes.txt"), Pattern(70000, 'a'),
                                     Pattern(90000, 'A'));
     const QString path = writer.target;
     writer.save = [&] {
-        TextFile file;
-        if (!file.OpenWrite(path))
+        TextFile file(c.uncachedFrom);
+        if (!file.OpenWrite(path, writer.after.size()))
             return false;
         // Pieces the size the saver hands over.
         for (int at = 0; at < writer.after.size(); at += 32768) {
@@ -52,29 +66,14 @@ TEST(SaveFaults, TextFileWritesBesideAndRenames)
         return file.Commit();
     };
     const SweepResult result = Sweep(writer);
-    ExpectSweep("text file", result);
+    ExpectSweep(c.writer, result);
     EXPECT_GT(result.calls[int(Call::Rename)] + result.calls[int(Call::Link)], 0);
 }
 
-// A large file is written around the file cache, in whole blocks and an unaligned rest.
-TEST(SaveFaults, TextFileWrittenUncached)
-{
-    SweepWriter writer = FileWriter(TestSupport::MakeTempDir(), QStringLiteral("big.log"), Pattern(70000, 'a'),
-                                    Pattern(90000, 'A'));
-    const QString path = writer.target;
-    writer.save = [&] {
-        TextFile file(0);
-        if (!file.OpenWrite(path, writer.after.size()))
-            return false;
-        for (int at = 0; at < writer.after.size(); at += 32768) {
-            const int n = std::min<int>(32768, int(writer.after.size()) - at);
-            if (!file.Write(writer.after.constData() + at, n))
-                return false;
-        }
-        return file.Commit();
-    };
-    ExpectSweep("text file, uncached", Sweep(writer));
-}
+INSTANTIATE_TEST_SUITE_P(Writes, TextFileSweep,
+                         ::testing::Values(TextFileSweepCase{"Cached", "text file", TextFile::UncachedFrom},
+                                           TextFileSweepCase{"Uncached", "text file, uncached", 0}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 // A disk that wants a larger alignment than the writer's refuses the uncached write; the
 // same bytes then go through the cache and nothing is lost or doubled.
