@@ -183,15 +183,7 @@ bool CScrivelDoc::OnOpenDocument(const QString& path)
     }
 
     const AnsiCodePage codePage = ConfiguredCodePage();
-    qint64 textBytes = LargeFileMode::MaxTextBytes(fileSize, Encoding);
-    // Three bytes for each byte of "Ansi" text would put every "Ansi" file of over 700 MB,
-    // most logs among them, in the control's slower large storage: its exact size decides.
-    if (Encoding == TextEncoding::Ansi
-        && (LargeFileMode::DocumentOptions(textBytes, true) & LargeFileMode::TextLarge) != 0
-        && (LargeFileMode::DocumentOptions(fileSize, true) & LargeFileMode::TextLarge) == 0) {
-        if (const qint64 exact = LargeFileMode::Utf8SizeOfAnsiFile(path, codePage); exact >= 0)
-            textBytes = exact;
-    }
+    const qint64 textBytes = LargeFileMode::TextBytesOfFile(path, fileSize, Encoding, codePage);
     if (const int options = LargeFileMode::DocumentOptions(textBytes, !large); options != 0) {
         // Empty: the loader sizes the storage once. Sized here too, the control would
         // fill it with zeros now and copy it whole when the loader sizes it again.

@@ -72,6 +72,16 @@ qint64 Utf8SizeOfAnsiFile(const QString& path, const AnsiCodePage& codePage)
     return total;
 }
 
+qint64 TextBytesOfFile(const QString& path, qint64 fileSize, int encoding, const AnsiCodePage& codePage)
+{
+    const qint64 bound = MaxTextBytes(fileSize, encoding);
+    if (encoding != TextEncoding::Ansi || (DocumentOptions(bound, true) & TextLarge) == 0
+        || (DocumentOptions(fileSize, true) & TextLarge) != 0)
+        return bound;
+    const qint64 exact = Utf8SizeOfAnsiFile(path, codePage);
+    return exact >= 0 ? exact : bound;
+}
+
 int DocumentOptions(qint64 textBytes, bool coloured)
 {
     int options = 0;

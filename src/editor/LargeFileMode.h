@@ -30,6 +30,11 @@ qint64 MaxTextBytes(qint64 fileSize, int encoding);
 // `codePage`: its size, plus one or two for each byte of the code page's upper half.
 // -1 when the file cannot be read to its end.
 qint64 Utf8SizeOfAnsiFile(const QString& path, const AnsiCodePage& codePage);
+// What the control is sized for when it reads the file at `path` (of `fileSize` bytes, in
+// `encoding`): the bound above, or where that bound alone would ask for large storage
+// for "Ansi" text, the exact size, so that most "Ansi" files over 700 MB do not land in the
+// control's slower large storage.
+qint64 TextBytesOfFile(const QString& path, qint64 fileSize, int encoding, const AnsiCodePage& codePage);
 // The options of a document that is to hold `textBytes` bytes of text: large text
 // storage when its positions would pass 31 bits, no style bytes when it is not coloured.
 int DocumentOptions(qint64 textBytes, bool coloured);
