@@ -2,6 +2,7 @@
 
 #include "DiskSync.h"
 #include "ReadableFile.h"
+#include "ReplacedFileHold.h"
 #ifdef Q_OS_LINUX
 #include "UncachedWriter.h"
 #endif
@@ -167,6 +168,8 @@ bool TextFile::Commit()
         }
     }
     if (ok) {
+        // A large old file is freed on a thread of its own once the new one has its name.
+        const ReplacedFileHold replaced(m_write->fileName(), ReleasedLaterFrom);
         ok = m_write->commit();
         if (!ok)
             m_error = m_write->errorString();
