@@ -11,6 +11,9 @@
 class ReplacedFileHold
 {
 public:
+    // Below this the file system frees a file in a few milliseconds: not worth a thread.
+    static constexpr qint64 WorthHoldingFrom = qint64(64) << 20;
+
     // Holds `path` when it is a regular file of at least `minimumSize` bytes that can be
     // opened; otherwise holds nothing and the rename frees the file as usual.
     ReplacedFileHold(const QString& path, qint64 minimumSize);

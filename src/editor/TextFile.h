@@ -17,8 +17,6 @@ public:
     static constexpr qint64 ChunkSize = 256000;
     // Files expected to reach this size are written around the system's file cache.
     static constexpr qint64 UncachedFrom = qint64(64) << 20;
-    // Replaced files of this size are freed after the save rather than during it.
-    static constexpr qint64 ReleasedLaterFrom = qint64(64) << 20;
 
     explicit TextFile(qint64 uncachedFrom = UncachedFrom);
     ~TextFile();

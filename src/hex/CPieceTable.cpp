@@ -4,6 +4,7 @@
 #include "MappedMemoryGuard.h"
 #include "editor/DiskSync.h"
 #include "editor/FileOwner.h"
+#include "editor/ReplacedFileHold.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -514,6 +515,9 @@ bool CPieceTable::Save(const QString& path, bool adopt, QString* error, const Pr
         out.cancelWriting();
         return false;
     }
+    // The file replaced is freed on a thread of its own: by the rename, or, when we
+    // read from it, once its pieces below are dropped.
+    const ReplacedFileHold replaced(path, ReplacedFileHold::WorthHoldingFrom);
     if (!out.commit()) {
         if (error)
             *error = out.errorString();
