@@ -1,4 +1,5 @@
 #include "editor/ReplacedFileHold.h"
+#include "OpenHandles.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -13,35 +14,9 @@
 
 namespace {
 
-// How many of this process's descriptors lead to `path`, replaced or not.
-int OpenHandlesTo(const QString& path)
-{
-    const QByteArray name = QFile::encodeName(path);
-    int count = 0;
-    const auto entries = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files | QDir::System);
-    for (const QString& entry : entries) {
-        char target[4096];
-        const QByteArray link = QFile::encodeName(QStringLiteral("/proc/self/fd/") + entry);
-        const ssize_t n = ::readlink(link.constData(), target, sizeof target - 1);
-        if (n <= 0)
-            continue;
-        const QByteArray points(target, int(n));
-        if (points == name || points == name + " (deleted)")
-            ++count;
-    }
-    return count;
-}
-
-// The release happens on another thread; give it a moment.
-bool ReleasedWithin(const QString& path, int milliseconds)
-{
-    for (int waited = 0; waited <= milliseconds; waited += 10) {
-        if (OpenHandlesTo(path) == 0)
-            return true;
-        QThread::msleep(10);
-    }
-    return false;
-}
+using TestSupport::Handles;
+using TestSupport::HandlesGoneWithin;
+using TestSupport::OpenHandlesTo;
 
 enum class Kind { File, Missing, Folder, Pipe };
 
@@ -87,7 +62,7 @@ TEST_P(HoldWhat, HoldsOnlyLargeRegularFiles)
         EXPECT_EQ(hold.IsHolding(), c.held);
         EXPECT_EQ(OpenHandlesTo(path), c.held ? 1 : 0);
     }
-    EXPECT_TRUE(ReleasedWithin(path, 5000));
+    EXPECT_TRUE(HandlesGoneWithin(path, Handles::Any, 5000));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -117,7 +92,7 @@ TEST(ReplacedFileHold, OldFileOutlivesTheRenameUntilReleased)
         EXPECT_EQ(TestSupport::ReadFile(path), QByteArray(10, 'n'));
         EXPECT_EQ(OpenHandlesTo(path), 1) << "the replaced file is still open";
     }
-    EXPECT_TRUE(ReleasedWithin(path, 5000));
+    EXPECT_TRUE(HandlesGoneWithin(path, Handles::Any, 5000));
     EXPECT_EQ(TestSupport::ReadFile(path), QByteArray(10, 'n'));
 }
 

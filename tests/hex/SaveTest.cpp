@@ -1,6 +1,8 @@
 #include "hex/CPieceTable.h"
 
 #include "HexTestFile.h"
+#include "OpenHandles.h"
+#include "editor/ReplacedFileHold.h"
 
 #include <QFile>
 #include <QProcess>
@@ -186,6 +188,34 @@ TEST_F(SaveTest, TargetThatIsNotAFileIsRefused)
     EXPECT_FALSE(Save(fifo, false));
     EXPECT_FALSE(error.isEmpty());
     EXPECT_FALSE(QFileInfo(fifo).isFile());
+}
+#endif
+
+#ifdef Q_OS_LINUX
+// The file a save replaces stays open while its pieces are read and is then let go, at
+// any size: a handle left to it would keep its bytes on the disk, unseen, until exit.
+TEST(SaveOverItself, LeavesNoHandleToTheReplacedFile)
+{
+    for (const qint64 size : {qint64(4096), ReplacedFileHold::WorthHoldingFrom}) {
+        SCOPED_TRACE(size);
+        const QString path = MakeFile(QByteArray(), QStringLiteral("image.bin"));
+        {
+            QFile file(path);
+            ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.resize(size));
+        }
+        CPieceTable table;
+        ASSERT_TRUE(table.Open(path, nullptr));
+        ASSERT_TRUE(table.Overwrite(size / 2, "X"));
+        QString error;
+        ASSERT_TRUE(table.Save(path, true, &error)) << error.toStdString();
+        EXPECT_TRUE(TestSupport::HandlesGoneWithin(path, TestSupport::Handles::Replaced, 5000));
+        EXPECT_EQ(TestSupport::OpenHandlesTo(path), 1) << "the table reads the new file";
+        EXPECT_EQ(table.Read(size / 2 - 1, 3), QByteArray("\0X\0", 3));
+        QFile saved(path);
+        ASSERT_TRUE(saved.open(QIODevice::ReadOnly) && saved.seek(size / 2));
+        EXPECT_EQ(saved.read(1), "X");
+        EXPECT_EQ(saved.size(), size);
+    }
 }
 #endif
 
