@@ -87,7 +87,7 @@ TEST_F(DocumentFormatTest, SelectionPaneCountsCharactersAndLines)
     // From inside the accented word to the middle of the second line: é counts once.
     document->GetFrames().first()->show(); // the control tells of selection changes as it paints
     editor->SetSel(2, 12);
-    QTest::qWait(50);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !Pane("SelectionPane").isEmpty(); }, 5000));
     EXPECT_EQ(Pane("SelectionPane"), QStringLiteral("Sel: 9 | 2"));
 }
 

@@ -69,8 +69,8 @@ TEST_F(FindResultsPageTest, ListScrollsSidewaysToTheLongestLineWhereverItIs)
     m_bar.addMatches({Match(QStringLiteral("/a"), 2, 0, QStringLiteral("short")),
                       Match(QStringLiteral("/a"), 3, 0, QString(400, QLatin1Char('w'))),
                       Match(QStringLiteral("/a"), 4, 0, QStringLiteral("short"))});
-    QTest::qWait(50);
-    EXPECT_GT(view->horizontalScrollBar()->maximum(), before + 1000);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->horizontalScrollBar()->maximum() > before + 1000; }, 5000))
+        << view->horizontalScrollBar()->maximum() << " against " << before;
 }
 
 TEST_F(FindResultsPageTest, StopAsksToStopAndTheSummaryTellsWhatWasSkipped)
