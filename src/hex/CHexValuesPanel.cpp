@@ -21,8 +21,6 @@ CHexValuesPanel::CHexValuesPanel(QWidget* parent)
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    m_table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_table->setWordWrap(false);
     const auto rows = ByteInterpreter::Inspect(nullptr, 0);
@@ -32,6 +30,30 @@ CHexValuesPanel::CHexValuesPanel(QWidget* parent)
         m_table->setItem(r, 1, new QTableWidgetItem);
         m_table->setItem(r, 2, new QTableWidgetItem);
     }
+    FitValueColumns();
+}
+
+void CHexValuesPanel::FitValueColumns()
+{
+    // The longest reading there is: a negative double with all seventeen digits and a
+    // three-digit exponent (whole integers are shorter), read both ways round.
+    const uchar widest[8] = {0x80, 0x10, 0, 0, 0, 0, 0, 0x01};
+    const auto rows = ByteInterpreter::Inspect(widest, 8);
+    for (int r = 0; r < rows.size() && r < m_table->rowCount(); ++r) {
+        m_table->item(r, 1)->setText(rows[r].littleEndian);
+        m_table->item(r, 2)->setText(rows[r].bigEndian);
+    }
+    m_table->resizeColumnsToContents();
+    const int width = std::max(m_table->columnWidth(1), m_table->columnWidth(2));
+    // Both columns that wide, once: a value is never cut short and the columns don't jump
+    // as the caret moves. A narrow panel scrolls sideways instead.
+    for (int column : {1, 2}) {
+        m_table->horizontalHeader()->setSectionResizeMode(column, QHeaderView::Interactive);
+        m_table->setColumnWidth(column, width);
+        for (int r = 0; r < m_table->rowCount(); ++r)
+            m_table->item(r, column)->setText(QString());
+    }
+    m_table->horizontalHeader()->setStretchLastSection(true);
 }
 
 void CHexValuesPanel::ShowAt(const CPieceTable& bytes, qint64 offset)

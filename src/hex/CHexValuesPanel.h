@@ -19,5 +19,7 @@ public:
     QString ValueText(const QString& type, bool littleEndian) const;
 
 private:
+    void FitValueColumns();
+
     QTableWidget* m_table;
 };
