@@ -60,7 +60,8 @@ CFindInFilesDialog::CFindInFilesDialog(const QString& initialText, const QString
     m_matchWord = new QCheckBox(tr("Match &whole word"));
     m_regExp = new QCheckBox(tr("Use regular e&xpressions"));
 
-    auto* buttons = new QDialogButtonBox;
+    // Made inside the dialog, so that the default set below is the dialog's own.
+    auto* buttons = new QDialogButtonBox(this);
     QPushButton* findButton = buttons->addButton(tr("&Find"), QDialogButtonBox::AcceptRole);
     QPushButton* replaceButton = buttons->addButton(tr("&Replace..."), QDialogButtonBox::ActionRole);
     buttons->addButton(QDialogButtonBox::Cancel);

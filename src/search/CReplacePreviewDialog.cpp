@@ -43,7 +43,8 @@ CReplacePreviewDialog::CReplacePreviewDialog(const QString& find, const QString&
     layout->addWidget(new QLabel(tr("Replace \"%1\" with \"%2\" in %n file(s):", nullptr, m_tree->topLevelItemCount())
                                      .arg(find, replacement)));
     layout->addWidget(m_tree, 1);
-    auto* buttons = new QDialogButtonBox;
+    // Made inside the dialog, so that the default set below is the dialog's own.
+    auto* buttons = new QDialogButtonBox(this);
     buttons->addButton(tr("&Replace"), QDialogButtonBox::AcceptRole)->setDefault(true);
     buttons->addButton(QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -1,5 +1,6 @@
 #include "CFakeShell.h"
 #include "TestSupport.h"
+#include "DefaultButtonCheck.h"
 #include "TextDocuments.h"
 #include "editor/CMFCScintilla.h"
 #include "editor/CScrivelDoc.h"
@@ -338,6 +339,17 @@ TEST_F(PropertiesSheetTest, TheIntegrationSwitchInstallsAndRemovesTheDesktopEntr
     again.Integration()->setChecked(false);
     again.Apply();
     EXPECT_FALSE(DesktopIntegration::IsInstalled());
+}
+
+} // namespace
+
+namespace {
+
+// Enter where the sheet opens is OK, whatever buttons its pages bring.
+TEST_F(PropertiesSheetTest, EnterPressesOk)
+{
+    CPropertiesSheet sheet(m_shell.PropertyPages());
+    EXPECT_EQ(TestSupport::ButtonsPressedByEnter(sheet), QStringList{QStringLiteral("OK")});
 }
 
 } // namespace
