@@ -16,7 +16,7 @@ public:
 
     // Holds `path` when it is a regular file of at least `minimumSize` bytes that can be
     // opened; otherwise holds nothing and the rename frees the file as usual.
-    ReplacedFileHold(const QString& path, qint64 minimumSize);
+    explicit ReplacedFileHold(const QString& path, qint64 minimumSize = WorthHoldingFrom);
     ~ReplacedFileHold();
     ReplacedFileHold(const ReplacedFileHold&) = delete;
     ReplacedFileHold& operator=(const ReplacedFileHold&) = delete;

@@ -169,7 +169,7 @@ bool TextFile::Commit()
     }
     if (ok) {
         // A large old file is freed on a thread of its own once the new one has its name.
-        const ReplacedFileHold replaced(m_write->fileName(), ReplacedFileHold::WorthHoldingFrom);
+        const ReplacedFileHold replaced(m_write->fileName());
         ok = m_write->commit();
         if (!ok)
             m_error = m_write->errorString();

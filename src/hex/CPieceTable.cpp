@@ -517,7 +517,7 @@ bool CPieceTable::Save(const QString& path, bool adopt, QString* error, const Pr
     }
     // The file replaced is freed on a thread of its own: by the rename, or, when we
     // read from it, once its pieces below are dropped.
-    const ReplacedFileHold replaced(path, ReplacedFileHold::WorthHoldingFrom);
+    const ReplacedFileHold replaced(path);
     if (!out.commit()) {
         if (error)
             *error = out.errorString();
